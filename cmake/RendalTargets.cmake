@@ -1,0 +1,42 @@
+# SPDX-License-Identifier: MIT
+#
+# What every target of ours shares: warnings, sanitizers, the include root, and
+# one line per test program.
+
+find_package(Threads REQUIRED)
+
+add_library(rendal_options INTERFACE)
+target_compile_options(rendal_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wcast-align -Wimplicit-fallthrough -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
+if(RENDAL_SANITIZE)
+  target_compile_options(rendal_options INTERFACE
+    -fsanitize=${RENDAL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(rendal_options INTERFACE -fsanitize=${RENDAL_SANITIZE})
+endif()
+if(MINGW)
+  target_compile_definitions(rendal_options INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+  target_link_options(rendal_options INTERFACE -static)
+endif()
+
+# rendal_options(target): house warnings and includes from the project's root
+# ("region/region.h"). Nothing of this reaches an installed target's users.
+function(rendal_target target)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:rendal_options>)
+  target_include_directories(${target}
+    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+endfunction()
+
+# rendal_test(name SOURCES file... LIBRARIES target... [LABELS label...])
+# One GoogleTest program; each of its cases is one CTest test.
+function(rendal_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  rendal_target(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300 LABELS "${ARG_LABELS}")
+endfunction()
