@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include "tools/blob_tool.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "region/operations.h"
+#include "tools/console_text.h"
+#include "tools/elapsed.h"
+
+namespace rendal {
+namespace {
+
+using vexo::region;
+
+constexpr int kParallel = 1;
+constexpr int kSequential = 0;
+
+// Joins pixels that touch by a corner.
+constexpr int kEightNeighbourhood = 1;
+
+// What an operation may read. `element` is empty for operations without one.
+struct Operands {
+  region& older;
+  region& last;
+  region& element;
+  const char* boundary_type;
+};
+
+using Form = void (*)(const Operands& in, region* out);
+
+// One button. The label is what PrintElapsed prints, `done` what the status
+// says is done.
+struct OperationRow {
+  RegionOperation operation;
+  const char* name;
+  const char* label;
+  const char* done;
+  size_t inputs;
+  bool element;
+  Form parallel;
+  Form sequential;
+};
+
+// clang-format off
+// operation  name  label  done  inputs  element  parallel  sequential
+constexpr std::span<const OperationRow> kOperations;
+// clang-format on
+
+const OperationRow* FindRow(RegionOperation operation) {
+  const auto row = std::find_if(
+      kOperations.begin(), kOperations.end(),
+      [operation](const OperationRow& r) { return r.operation == operation; });
+  return row == kOperations.end() ? nullptr : &*row;
+}
+
+// A result is drawn from its chords; the operations on runs leave none.
+void BuildChords(region* r) {
+  if (r->run_count > 0 && r->chord_count <= 0) r->to_3();
+}
+
+// The inputs of later operations carry both forms, since some operations read
+// only runs and some only chords. Must happen before the region is copied:
+// copies share their storage.
+void BuildBothForms(region* r) {
+  BuildChords(r);
+  if (r->run_count == 0 && r->chord_count > 0) r->from_3();
+}
+
+// The history with `newest` appended and at most two entries kept. Built anew
+// by copying: assigning over a region would lose its chords for good.
+std::vector<region> Appended(const std::vector<region>& history,
+                             const region& newest) {
+  std::vector<region> next;
+  next.reserve(kHistoryLength + 1);
+  const size_t keep = std::min(history.size(), kHistoryLength - 1);
+  for (size_t i = history.size() - keep; i < history.size(); ++i) {
+    next.push_back(history[i]);
+  }
+  next.push_back(newest);
+  return next;
+}
+
+void Show(Workbench& workbench, std::vector<OverlayItem> items) {
+  workbench.m_regionOverlay.Replace(std::move(items));
+  workbench.RequestRedraw();
+}
+
+void RunThreshold(int mode, cv::Mat& image, GrayBand band, region* result) {
+  if (mode == kParallel) {
+    vexo::threshold_y(image.data, image.cols, image.rows, band.min, band.max,
+                      result);
+  } else if (mode == kSequential) {
+    vexo::threshold(image.data, image.cols, image.rows, band.min, band.max,
+                    result);
+  }
+}
+
+int RunConnection(int mode, region& input, region* result) {
+  if (mode == kParallel) {
+    return vexo::connection_y(input, result, kEightNeighbourhood);
+  }
+  if (mode == kSequential) {
+    return vexo::connection(input, result, kEightNeighbourhood);
+  }
+  return 0;
+}
+
+void BuildElement(const ElementChoice& choice, region* element) {
+  (void)choice;
+  (void)element;
+}
+
+Status CheckInputs(const Workbench& workbench, size_t inputs) {
+  const size_t length = workbench.m_regionHistory.size();
+  if (length >= inputs) return {};
+  return inputs == 2 ? messages::TooFewRegions(workbench.m_language, length)
+                     : messages::NoBinarization(workbench.m_language, length);
+}
+
+}  // namespace
+
+GrayBand ToggleGrayBand(GrayBand band) {
+  if (band.min == 0) return {128, 255};
+  if (band.max == 255) return {0, 127};
+  return band;
+}
+
+Status Threshold(Workbench& workbench, GrayBand band) {
+  if (!workbench.HasImage()) return {};
+  if (band.min > band.max) {
+    return messages::BandReversed(workbench.m_language, band.min, band.max);
+  }
+  // Region operations take rows without padding.
+  cv::Mat image = workbench.m_srcImage.isContinuous()
+                      ? workbench.m_srcImage
+                      : workbench.m_srcImage.clone();
+  region result;
+  int64_t start = SteadyNanoseconds();
+  RunThreshold(workbench.m_parallelMode, image, band, &result);
+  PrintElapsed(start, "threshold");
+  BuildBothForms(&result);
+  if (result.chord_count < 1) {
+    return messages::RegionEmpty(workbench.m_language);
+  }
+  std::vector<region> history = Appended(workbench.m_regionHistory, result);
+  Show(workbench, SingleRegionItems(result));
+  workbench.m_regionHistory.swap(history);
+  return messages::Done(workbench.m_language, "threshold");
+}
+
+ConnectionReport Connection(Workbench& workbench) {
+  if (Status guard = CheckInputs(workbench, 1); guard.tone != Tone::kSilent) {
+    return {std::move(guard), std::nullopt};
+  }
+  region result;
+  int64_t start = SteadyNanoseconds();
+  const int count = RunConnection(workbench.m_parallelMode,
+                                  workbench.m_regionHistory.back(), &result);
+  PrintElapsed(start, "connection");
+  ConsolePrintf("connected components = %d\n", count);
+  for (int32_t i = 0; i < result.child_count; ++i) {
+    BuildChords(result.children[i]);
+  }
+  ConnectionReport report{messages::ConnectionDone(workbench.m_language, count),
+                          FeatureRows(result, kMaxFeatureRows)};
+  Show(workbench, ComponentItems(result));
+  return report;
+}
+
+Status ApplyRegionOperation(Workbench& workbench, RegionOperation operation,
+                            const OperationParameters& parameters) {
+  const OperationRow* const row = FindRow(operation);
+  if (row == nullptr) return {};
+  if (Status guard = CheckInputs(workbench, row->inputs);
+      guard.tone != Tone::kSilent) {
+    return guard;
+  }
+  region element;
+  if (row->element) BuildElement(parameters.element, &element);
+  const Operands in{workbench.m_regionHistory.front(),
+                    workbench.m_regionHistory.back(), element,
+                    parameters.boundary_type};
+  region result;
+  int64_t start = SteadyNanoseconds();
+  if (workbench.m_parallelMode == kParallel) row->parallel(in, &result);
+  if (workbench.m_parallelMode == kSequential) row->sequential(in, &result);
+  PrintElapsed(start, row->label);
+  BuildChords(&result);
+  Show(workbench, SingleRegionItems(result));
+  return messages::Done(workbench.m_language, row->done);
+}
+
+std::optional<RegionOperation> OperationByName(std::string_view name) {
+  for (const OperationRow& row : kOperations) {
+    if (name == row.name) return row.operation;
+  }
+  return std::nullopt;
+}
+
+}  // namespace rendal

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "tools/status.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace rendal::messages {
+namespace {
+
+struct Wording {
+  const char* chinese;
+  const char* english;
+};
+
+// clang-format off
+constexpr Wording kImageOpened = {
+    "打开图片,width = %d, height = %d",
+    "open image,width = %d, height = %d"};
+constexpr Wording kChannelsNotSupported = {
+    "打开图片,channels = %d not support",
+    "open image,channels = %d not support"};
+constexpr Wording kBandReversed   = {"MinGray = %d > MaxGray = %d",
+                                     "MinGray = %d > MaxGray = %d"};
+constexpr Wording kRegionEmpty    = {"region is empty",
+                                     "region is empty"};
+constexpr Wording kNoBinarization = {"no binarization yet, %d",
+                                     "no binarization yet, %d"};
+constexpr Wording kTooFewRegions  = {"The number of regions is less than 2, %d",
+                                     "The number of regions is less than 2, %d"};
+constexpr Wording kDone           = {"%s done",
+                                     "%s done"};
+constexpr Wording kConnectionDone = {
+    "connection done, connected components =%d",
+    "connection done, connected components =%d"};
+// clang-format on
+
+Status Format(Tone tone, int32_t language, const Wording* wording, ...) {
+  const char* const format = language == 0   ? wording->chinese
+                             : language == 1 ? wording->english
+                                             : "";
+  char text[256];
+  va_list arguments;
+  va_start(arguments, wording);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  return {tone, text};
+}
+
+}  // namespace
+
+Status ImageOpened(int32_t language, int width, int height) {
+  return Format(Tone::kNotice, language, &kImageOpened, width, height);
+}
+
+Status ChannelsNotSupported(int32_t language, int channels) {
+  return Format(Tone::kNotice, language, &kChannelsNotSupported, channels);
+}
+
+Status DisplayCleared() { return {Tone::kNotice, ""}; }
+
+Status BandReversed(int32_t language, int min_gray, int max_gray) {
+  return Format(Tone::kError, language, &kBandReversed, min_gray, max_gray);
+}
+
+Status RegionEmpty(int32_t language) {
+  return Format(Tone::kError, language, &kRegionEmpty);
+}
+
+Status NoBinarization(int32_t language, size_t history_length) {
+  return Format(Tone::kError, language, &kNoBinarization,
+                static_cast<int>(history_length));
+}
+
+Status TooFewRegions(int32_t language, size_t history_length) {
+  return Format(Tone::kError, language, &kTooFewRegions,
+                static_cast<int>(history_length));
+}
+
+Status Done(int32_t language, std::string_view what) {
+  return Format(Tone::kSuccess, language, &kDone, std::string(what).c_str());
+}
+
+Status ConnectionDone(int32_t language, int count) {
+  return Format(Tone::kSuccess, language, &kConnectionDone, count);
+}
+
+Status Failed(const std::exception& error) {
+  return {Tone::kError, error.what()};
+}
+
+}  // namespace rendal::messages

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// Every message of the status label, in both languages, with its tone. Tools
+// return a Status and never show one.
+#ifndef RENDAL_TOOLS_STATUS_H_
+#define RENDAL_TOOLS_STATUS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace rendal {
+
+enum class Tone {
+  kSilent,   // leave the label as it is
+  kError,    // red on white
+  kSuccess,  // blue on white
+  kNotice,   // white on blue
+};
+
+struct Status {
+  Tone tone = Tone::kSilent;
+  std::string text;  // UTF-8
+};
+
+// `language` is Workbench::m_language: 0 Chinese, 1 English. Any other value
+// leaves the text empty.
+namespace messages {
+
+Status ImageOpened(int32_t language, int width, int height);
+Status ChannelsNotSupported(int32_t language, int channels);
+Status DisplayCleared();
+
+// The blob tool's messages read the same in both languages.
+Status BandReversed(int32_t language, int min_gray, int max_gray);
+Status RegionEmpty(int32_t language);
+Status NoBinarization(int32_t language, size_t history_length);
+Status TooFewRegions(int32_t language, size_t history_length);
+Status Done(int32_t language, std::string_view what);  // "<what> done"
+Status ConnectionDone(int32_t language, int count);
+
+// What a tool that threw leaves in the label: the exception's own text.
+Status Failed(const std::exception& error);
+
+}  // namespace messages
+
+// Runs a tool; an exception becomes a red status, so the dialog stays alive.
+// Tools change the workbench only after everything that can throw, so what was
+// there before is still there.
+template <typename Tool>
+Status Guarded(Tool&& tool) {
+  try {
+    return tool();
+  } catch (const std::exception& error) {
+    return messages::Failed(error);
+  }
+}
+
+}  // namespace rendal
+
+#endif  // RENDAL_TOOLS_STATUS_H_
