@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+#include "app/view/image_loader.h"
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <new>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tools/console_text.h"
+
+namespace rendal {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Utf8(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+// Where paths are wide, the prefix lifts the old limit of 260 characters.
+fs::path WithoutLengthLimit(const fs::path& path) {
+  if constexpr (std::is_same_v<fs::path::value_type, wchar_t>) {
+    std::error_code error;
+    fs::path absolute = fs::absolute(path, error).make_preferred();
+    const auto& text = absolute.native();
+    // Device paths ("\\?\...") and shares ("\\server\...") stay.
+    if (error || text.size() < 2 || text[1] != ':') return path;
+    return fs::path("\\\\?\\") += absolute;
+  } else {
+    return path;
+  }
+}
+
+// The bytes of a regular file; none if it cannot be read.
+std::vector<unsigned char> ReadFile(const fs::path& path) {
+  std::error_code error;
+  const uintmax_t size = fs::file_size(path, error);
+  std::vector<unsigned char> bytes;
+  if (error || size == 0) return bytes;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return bytes;
+  bytes.resize(size);
+  file.read(reinterpret_cast<char*>(bytes.data()),
+            static_cast<std::streamsize>(size));
+  bytes.resize(static_cast<size_t>(file.gcount()));
+  return bytes;
+}
+
+cv::Mat Decode(const fs::path& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return {};
+  // The decoder of byte arrays counts in int.
+  if (fs::file_size(path, error) > INT_MAX && !error) {
+    return cv::imread(path.string(), cv::IMREAD_UNCHANGED);
+  }
+  const std::vector<unsigned char> bytes = ReadFile(path);
+  if (bytes.empty()) return {};
+  return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+}
+
+// As the image library delivers it; empty if it is no image. Memory that ran
+// out is the only thing that leaves as an exception.
+cv::Mat ReadImage(const fs::path& path) {
+  cv::Mat image;
+  try {
+    image = Decode(WithoutLengthLimit(path));
+  } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem) throw;
+    ConsolePrintf("image library: %s\n", error.err.c_str());
+  }
+  if (image.empty()) {
+    ConsolePrintf("no image in %s\n", Utf8(path).c_str());
+  }
+  return image;
+}
+
+// Smallest and largest finite value of a one-channel float image; 0, 0 when
+// there is none.
+std::pair<double, double> FiniteRange(const cv::Mat& image) {
+  double low = 0;
+  double high = 0;
+  bool any = false;
+  for (int r = 0; r < image.rows; ++r) {
+    const double* const row = image.ptr<double>(r);
+    for (int c = 0; c < image.cols; ++c) {
+      if (!std::isfinite(row[c])) continue;
+      low = any ? std::min(low, row[c]) : row[c];
+      high = any ? std::max(high, row[c]) : row[c];
+      any = true;
+    }
+  }
+  return {low, high};
+}
+
+unsigned char Stretch(double value, double low, double high) {
+  if (!(value > low)) return 0;  // also what is no number
+  if (value >= high) return 255;
+  // Halved so that the widest ranges do not overflow.
+  const double part = (value / 2 - low / 2) / (high / 2 - low / 2);
+  return static_cast<unsigned char>(std::lround(part * 255));
+}
+
+cv::Mat StretchRange(const cv::Mat& grey, std::string* note) {
+  cv::Mat values;
+  grey.convertTo(values, CV_64F);
+  const auto [low, high] = FiniteRange(values);
+  cv::Mat result(values.size(), CV_8U);
+  for (int r = 0; r < values.rows; ++r) {
+    const double* const from = values.ptr<double>(r);
+    unsigned char* const to = result.ptr(r);
+    for (int c = 0; c < values.cols; ++c) to[c] = Stretch(from[c], low, high);
+  }
+  if (note != nullptr) {
+    char text[96];
+    std::snprintf(text, sizeof text, "grey 0..255 shows values %g..%g", low,
+                  high);
+    *note = text;
+  }
+  return result;
+}
+
+cv::Mat SingleChannel(const cv::Mat& image) {
+  if (image.channels() == 1) return image;
+  cv::Mat color = image;
+  // The conversion knows 8 and 16 bits and single precision.
+  if (image.depth() != CV_8U && image.depth() != CV_16U) {
+    image.convertTo(color, CV_32F);
+  }
+  cv::Mat grey;
+  cv::cvtColor(
+      color, grey,
+      image.channels() == 3 ? cv::COLOR_BGR2GRAY : cv::COLOR_BGRA2GRAY);
+  return grey;
+}
+
+}  // namespace
+
+cv::Mat ToGrey8(const cv::Mat& image, std::string* note) {
+  const cv::Mat grey = SingleChannel(image);
+  if (grey.depth() == CV_8U) return grey;
+  if (grey.depth() != CV_16U) return StretchRange(grey, note);
+  cv::Mat result;
+  grey.convertTo(result, CV_8U, 1.0 / 257);
+  return result;
+}
+
+Status LoadImageFile(const fs::path& path, Workbench& workbench,
+                     ViewState& view) {
+  ConsolePrintf("src path = %s\n", Utf8(path).c_str());
+  cv::Mat image = ReadImage(path);
+  const int channels = image.channels();
+  if (channels != 1 && channels != 3 && channels != 4) {
+    workbench.m_srcImage = image;
+    return messages::ChannelsNotSupported(workbench.m_language, channels);
+  }
+  if (!image.empty()) {
+    std::string note;
+    image = ToGrey8(image, &note);
+    if (!note.empty()) ConsolePrintf("%s\n", note.c_str());
+  }
+  Status status =
+      messages::ImageOpened(workbench.m_language, image.cols, image.rows);
+  std::vector<RoiShape> shapes = ShapesForImage(image.cols, image.rows);
+  // Nothing below throws.
+  workbench.m_srcImage = image;
+  workbench.m_roiShapes.swap(shapes);
+  view.FitTo(image.size());
+  workbench.RequestRedraw();
+  workbench.m_hideResults = 1;
+  return status;
+}
+
+}  // namespace rendal

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#ifndef RENDAL_APP_VIEW_IMAGE_LOADER_H_
+#define RENDAL_APP_VIEW_IMAGE_LOADER_H_
+
+#include <filesystem>
+
+#include "app/view/view_state.h"
+#include "tools/status.h"
+#include "tools/workbench.h"
+
+namespace rendal {
+
+// Loads an image file as 8-bit grey, fits it into the view, resets the regions
+// of interest and hides old results. Regions of the blob tool stay.
+//
+//   Paths     Any that the file system can open, whatever the code page.
+//   Depths    8 bit as it is; 16 bit divided by 257; all others stretched from
+//             their smallest to their largest finite value, which a console
+//             line says.
+//   Channels  1, 3 (colour) and 4 (colour, alpha ignored). Any other number:
+//             the unconverted image is kept in m_srcImage, the status names
+//             the number, everything else stays.
+//   No image  A file that is missing, empty or not decodable gives an empty
+//             m_srcImage, the status with width 0 and height 0, and a console
+//             line that names the path. A damaged file may decode in part; what
+//             the decoder delivers is shown.
+//   Throws    std::bad_alloc, cv::Exception when memory runs out; the
+//             workbench and the view are as before.
+Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
+                     ViewState& view);
+
+// An image of 1, 3 or 4 channels and any depth as 8-bit grey, by the rules
+// above. `note` (may be null) receives how the values were scaled, or nothing.
+cv::Mat ToGrey8(const cv::Mat& image, std::string* note);
+
+}  // namespace rendal
+
+#endif  // RENDAL_APP_VIEW_IMAGE_LOADER_H_

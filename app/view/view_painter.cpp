@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+#include "app/view/view_painter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "app/view/roi_painter.h"
+
+namespace rendal {
+namespace {
+
+constexpr int kChannels = 3;
+
+unsigned char Byte(double component) {
+  return cv::saturate_cast<unsigned char>(component);
+}
+
+// Writes `count` equal pixels.
+void FillPixels(unsigned char* to, int count, const double (&color)[4]) {
+  const unsigned char blue = Byte(color[0]);
+  const unsigned char green = Byte(color[1]);
+  const unsigned char red = Byte(color[2]);
+  for (int i = 0; i < count; ++i, to += kChannels) {
+    to[0] = blue;
+    to[1] = green;
+    to[2] = red;
+  }
+}
+
+// The image columns that the view's columns show, computed once per picture.
+// They never decrease from left to right.
+class ColumnMap {
+ public:
+  ColumnMap(const ViewState& view, int image_width) : m_view(view) {
+    m_columns.resize(view.viewWidth);
+    for (int u = 0; u < view.viewWidth; ++u) m_columns[u] = view.ImageColumn(u);
+    m_imageBegin = FirstAtLeast(0);
+    m_imageEnd = FirstAtLeast(image_width);
+  }
+
+  // View columns [ImageBegin(), ImageEnd()) show the image.
+  int ImageBegin() const { return m_imageBegin; }
+  int ImageEnd() const { return m_imageEnd; }
+  int operator[](int view_x) const { return m_columns[view_x]; }
+
+  // First view column that shows image column `column` or one to its right;
+  // the view's width when none does. Starts from the inverse of the mapping and
+  // corrects its rounding against the table, so it is exact.
+  int FirstAtLeast(int column) const {
+    const int width = static_cast<int>(m_columns.size());
+    const double guess =
+        (column - 0.5) * m_view.zoom + static_cast<double>(m_view.offsetX);
+    int u = static_cast<int>(
+        std::clamp(std::ceil(guess), 0.0, static_cast<double>(width)));
+    while (u > 0 && m_columns[u - 1] >= column) --u;
+    while (u < width && m_columns[u] < column) ++u;
+    return u;
+  }
+
+ private:
+  const ViewState& m_view;
+  std::vector<int> m_columns;
+  int m_imageBegin = 0;
+  int m_imageEnd = 0;
+};
+
+// One row of the view, from one row of the image and the overlay's chords of
+// that row.
+class RowPainter {
+ public:
+  RowPainter(const Workbench& workbench, const ViewState& view)
+      : m_image(workbench.m_srcImage),
+        m_overlay(workbench.m_regionOverlay),
+        m_columns(view, workbench.m_srcImage.cols),
+        m_rowBytes(static_cast<size_t>(view.viewWidth) * kChannels) {}
+
+  void Paint(int image_row, unsigned char* to) const {
+    std::memset(to, 0, m_rowBytes);
+    if (image_row >= 0 && image_row < m_image.rows) {
+      PaintImage(m_image.ptr(image_row), to);
+    }
+    for (const vexo::chord& chord : m_overlay.Row(image_row)) {
+      PaintChord(chord, to);
+    }
+  }
+
+ private:
+  void PaintImage(const unsigned char* from, unsigned char* to) const {
+    const int end = m_columns.ImageEnd();
+    for (int u = m_columns.ImageBegin(); u < end; ++u) {
+      std::memset(to + u * kChannels, from[m_columns[u]], kChannels);
+    }
+  }
+
+  void PaintChord(const vexo::chord& chord, unsigned char* to) const {
+    const int begin = m_columns.FirstAtLeast(chord.col_begin);
+    int end = begin;
+    const int width = static_cast<int>(m_rowBytes) / kChannels;
+    end = chord.col_end == INT32_MAX
+              ? width
+              : m_columns.FirstAtLeast(chord.col_end + 1);
+    if (begin < end) {
+      FillPixels(to + begin * kChannels, end - begin,
+                 m_overlay[chord.label].color);
+    }
+  }
+
+  const cv::Mat& m_image;
+  const RegionOverlay& m_overlay;
+  ColumnMap m_columns;
+  size_t m_rowBytes;
+};
+
+void PaintImageAndOverlay(const Workbench& workbench, const ViewState& view,
+                          cv::Mat& picture) {
+  const RowPainter painter(workbench, view);
+  int previous = 0;
+  for (int v = 0; v < view.viewHeight; ++v) {
+    const int row = view.ImageRow(v);
+    // Enlarged, neighbouring view rows show the same image row.
+    if (v > 0 && row == previous) {
+      std::memcpy(picture.ptr(v), picture.ptr(v - 1),
+                  static_cast<size_t>(view.viewWidth) * kChannels);
+    } else {
+      painter.Paint(row, picture.ptr(v));
+    }
+    previous = row;
+  }
+}
+
+ReadOut ReadPixel(const cv::Mat& image, const ViewState& view) {
+  ReadOut result{view.ImageColumn(view.hoverX), view.ImageRow(view.hoverY), 0};
+  if (result.column >= 0 && result.column < image.cols && result.row >= 0 &&
+      result.row < image.rows) {
+    result.grey = image.at<unsigned char>(result.row, result.column);
+  }
+  return result;
+}
+
+}  // namespace
+
+std::string FormatReadOut(const ReadOut& read_out) {
+  return std::to_string(read_out.column) + ", " + std::to_string(read_out.row) +
+         ", " + std::to_string(read_out.grey);
+}
+
+std::optional<ReadOut> RefreshView(Workbench& workbench, const ViewState& view,
+                                   cv::Mat* picture) {
+  if (workbench.m_redraw < 1 || !workbench.HasImage()) return std::nullopt;
+  picture->create(view.viewHeight, view.viewWidth, CV_8UC3);
+  PaintImageAndOverlay(workbench, view, *picture);
+  if (const RoiShape* shape = workbench.CurrentShape()) {
+    DrawRoi(*shape, workbench.m_bandWidth, view, *picture);
+  }
+  workbench.m_redraw = -workbench.m_redraw;
+  return ReadPixel(workbench.m_srcImage, view);
+}
+
+}  // namespace rendal
