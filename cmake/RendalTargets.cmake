@@ -29,14 +29,20 @@ function(rendal_target target)
 endfunction()
 
 # rendal_test(name SOURCES file... LIBRARIES target... [LABELS label...])
-# One GoogleTest program; each of its cases is one CTest test.
+# One GoogleTest program; each of its cases is one CTest test. Labels that mean
+# something to the runner: "parallel" (also run under the thread sanitizer) and
+# "window" (needs the display, one such test at a time).
 function(rendal_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   rendal_target(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
+  set(properties TIMEOUT 300 LABELS "${ARG_LABELS}")
+  if("window" IN_LIST ARG_LABELS)
+    list(APPEND properties RESOURCE_LOCK display)
+  endif()
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300 LABELS "${ARG_LABELS}")
+    PROPERTIES ${properties})
 endfunction()
