@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+//
+// The children of one labelling in one allocation: 100,000 components are one
+// block, not half a million. Each child still behaves as a region of its own:
+// it can be copied, grown, assigned to, taken out of its parent and deleted.
+#ifndef VEXO_REGION_INTERNAL_CHILD_BLOCK_H_
+#define VEXO_REGION_INTERNAL_CHILD_BLOCK_H_
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#include "region/region.h"
+
+namespace vexo::internal {
+
+// What region::ref_count points into: the count comes first, behind it stands
+// who owns the arrays. block is null for regions that own theirs.
+struct share_count {
+  int32_t count;
+  child_block* block;
+};
+
+// Header of the allocation. Behind it stand the child objects, their counts
+// and `payload` bytes for their arrays. The block lives until every child
+// object and every child's storage is gone, whatever the order.
+class child_block {
+ public:
+  // Children come without runs, with all features unset. Throws "malloc
+  // failed". nullptr for no children.
+  static child_block* create(size_t children, size_t payload);
+
+  region* child(size_t i) { return first_child() + i; }
+  char* payload() { return payload_; }
+
+  bool contains(const void* p) const {
+    const char* address = static_cast<const char*>(p);
+    return address >= reinterpret_cast<const char*>(this) && address < end_;
+  }
+
+  // Says that n tenants (objects or storages) are gone; frees the block after
+  // the last. Callable from any thread.
+  void leave(size_t n);
+
+  // Constructs child i; create() leaves that to the caller, so that it can be
+  // done in parallel. Until all are constructed, discard() ends the block.
+  void construct(size_t i);
+  void discard();
+
+ private:
+  region* first_child();
+  share_count* first_count();
+
+  std::atomic<size_t> tenants_;
+  size_t children_;
+  char* payload_;
+  char* end_;
+  void* memory_;
+};
+
+// The block that holds the storage of `r`, or null.
+inline child_block* block_of(const region& r) {
+  return reinterpret_cast<const share_count*>(r.ref_count)->block;
+}
+
+}  // namespace vexo::internal
+
+#endif  // VEXO_REGION_INTERNAL_CHILD_BLOCK_H_

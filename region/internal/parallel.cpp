@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "region/internal/parallel.h"
+
+#include <thread>
+
+#if __has_include(<ppl.h>)
+#include <ppl.h>
+namespace runtime = concurrency;
+#else
+#include <tbb/parallel_for.h>
+namespace runtime = tbb;
+#endif
+
+namespace vexo::internal {
+namespace {
+
+std::atomic<int> g_thread_limit{0};
+
+int hardware_threads() {
+  static const int threads =
+      std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+  return threads;
+}
+
+}  // namespace
+
+int thread_count() {
+  const int limit = g_thread_limit.load(std::memory_order_relaxed);
+  return limit > 0 ? limit : hardware_threads();
+}
+
+void set_thread_limit(int threads) {
+  g_thread_limit.store(threads, std::memory_order_relaxed);
+}
+
+void dispatch(size_t count, task_function run, void* context) {
+  runtime::parallel_for(size_t{0}, count, [=](size_t i) { run(context, i); });
+}
+
+row_bands::row_bands(int height)
+    : height_(std::max(height, 0)),
+      count_(std::clamp(height_ / 8, 1, thread_count())) {}
+
+}  // namespace vexo::internal

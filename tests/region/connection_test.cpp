@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "pictures.h"
+#include "random_regions.h"
+#include "region/internal/parallel.h"
+#include "region/operations.h"
+
+namespace {
+
+using vexo::region;
+using vexo_test::chords_of;
+using vexo_test::Picture;
+using vexo_test::Run;
+using vexo_test::Runs;
+using vexo_test::runs_of;
+
+enum class Form { kChords, kRuns, kBands };
+
+int connect(Form form, region& input, region* result, int neighbourhood) {
+  switch (form) {
+    case Form::kChords:
+      return vexo::connection(input, result, neighbourhood);
+    case Form::kRuns:
+      return vexo::connection_y(input, result, neighbourhood);
+    default:
+      return vexo::connection2(input, result, neighbourhood);
+  }
+}
+
+Runs child_runs(Form form, const region& result, int k) {
+  const region& child = *result.children[k];
+  return form == Form::kRuns ? runs_of(child) : chords_of(child);
+}
+
+std::vector<Runs> components(Form form, const Picture& p, int neighbourhood) {
+  region input = vexo_test::picture(p);
+  region result;
+  const int n = connect(form, input, &result, neighbourhood);
+  std::vector<Runs> all;
+  if (n > 0) {
+    EXPECT_EQ(n, result.child_count);
+  }
+  for (int k = 0; k < result.child_count; ++k) {
+    all.push_back(child_runs(form, result, k));
+  }
+  return all;
+}
+
+// Flood fill, pixel by pixel, from each pixel in row-major order.
+void flood(Picture& p, int row, int col, int neighbourhood, Picture& found) {
+  std::vector<std::pair<int, int>> open{{row, col}};
+  p[row][col] = '.';
+  while (!open.empty()) {
+    const auto [r, c] = open.back();
+    open.pop_back();
+    found[r][c] = '#';
+    for (int dr = -1; dr <= 1; ++dr) {
+      for (int dc = -1; dc <= 1; ++dc) {
+        if (neighbourhood == 0 && dr != 0 && dc != 0) continue;
+        const int nr = r + dr, nc = c + dc;
+        if (nr < 0 || nc < 0 || nr >= static_cast<int>(p.size()) ||
+            nc >= static_cast<int>(p[0].size()) || p[nr][nc] != '#') {
+          continue;
+        }
+        p[nr][nc] = '.';
+        open.push_back({nr, nc});
+      }
+    }
+  }
+}
+
+std::vector<Runs> oracle(Picture p, int neighbourhood) {
+  std::vector<Runs> all;
+  for (int r = 0; r < static_cast<int>(p.size()); ++r) {
+    for (int c = 0; c < static_cast<int>(p[r].size()); ++c) {
+      if (p[r][c] != '#') continue;
+      Picture found(p.size(), std::string(p[0].size(), '.'));
+      flood(p, r, c, neighbourhood, found);
+      all.push_back(vexo_test::runs_in(found));
+    }
+  }
+  return all;
+}
+
+class Connection : public testing::TestWithParam<Form> {
+ protected:
+  ~Connection() override { vexo::internal::set_thread_limit(0); }
+};
+
+TEST_P(Connection, SingleRunIsOneComponent) {
+  EXPECT_EQ(components(GetParam(), {".###."}, 0),
+            (std::vector<Runs>{{{0, 1, 3}}}));
+}
+
+TEST_P(Connection, CornersJoinOnlyWithNeighbourhoodOne) {
+  const Picture p{"#####.....", ".....#####"};
+  EXPECT_EQ(components(GetParam(), p, 0).size(), 2u);
+  EXPECT_EQ(components(GetParam(), p, 1).size(), 1u);
+}
+
+TEST_P(Connection, AnEmptyRowSeparates) {
+  const Picture p{"###", "...", "###"};
+  EXPECT_EQ(components(GetParam(), p, 0).size(), 2u);
+  EXPECT_EQ(components(GetParam(), p, 1).size(), 2u);
+}
+
+TEST_P(Connection, UShapeIsOneComponent) {
+  EXPECT_EQ(components(GetParam(), {"#..#", "#..#", "####"}, 0).size(), 1u);
+}
+
+TEST_P(Connection, NumbersByTheFirstRunOfEachComponent) {
+  EXPECT_EQ(components(GetParam(), {"..#.#", "#.#.#", "#.###", "....."}, 0),
+            (std::vector<Runs>{
+                {{0, 2, 2}, {0, 4, 4}, {1, 2, 2}, {1, 4, 4}, {2, 2, 4}},
+                {{1, 0, 0}, {2, 0, 0}}}));
+}
+
+TEST_P(Connection, InputWithChildrenIsRefused) {
+  region input = vexo_test::picture({"#.#"});
+  region result;
+  ASSERT_EQ(connect(GetParam(), input, &result, 0), 2);
+  result.reserve(1);
+  region untouched;
+  untouched.child_count = 0;
+  EXPECT_EQ(connect(GetParam(), result, &untouched, 0), -1);
+  EXPECT_EQ(untouched.child_count, 0);
+  EXPECT_EQ(untouched.chords, nullptr);
+}
+
+TEST_P(Connection, AgreesWithFloodFill) {
+  for (uint64_t seed = 0; seed < 600; ++seed) {
+    SCOPED_TRACE(seed);
+    const Picture p = vexo_test::random_picture(seed, 30);
+    const int neighbourhood = seed % 2;
+    vexo::internal::set_thread_limit(1 + seed % 5);
+    ASSERT_EQ(components(GetParam(), p, neighbourhood),
+              oracle(p, neighbourhood));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, Connection,
+                         testing::Values(Form::kChords, Form::kRuns,
+                                         Form::kBands));
+
+TEST(ConnectionChords, EmptyInputGivesNone) {
+  region input, result;
+  EXPECT_EQ(vexo::connection(input, &result, 0), 0);
+  EXPECT_EQ(vexo::connection2(input, &result, 0), 0);
+}
+
+TEST(ConnectionRuns, EmptyInputIsRefused) {
+  region input, result;
+  EXPECT_EQ(vexo::connection_y(input, &result, 0), -1);
+}
+
+}  // namespace
