@@ -1,0 +1,148 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+#
+# Installs what is missing, builds, and runs the tests.
+#
+#   ./test.sh [--native] [--asan] [--tsan] [--windows]
+#
+#   --native    Linux, release
+#   --asan      Linux, address and undefined-behaviour sanitizers
+#   --tsan      Linux, thread sanitizer over the two parallel libraries
+#   --windows   the same tests and the window's as Windows programs, under Wine
+#               in a virtual display
+#
+# Without an option all four run. The last line is "N passed, N failed"; the
+# exit code is 0 only when nothing failed.
+
+. "$(dirname -- "${BASH_SOURCE[0]}")/setup/common.sh"
+. "$setup_root/setup/display.sh"
+
+usage() { sed -n '/^#   \.\//,/^$/ s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"; }
+
+runners=()
+for argument in "$@"; do
+  case $argument in
+    --native | --asan | --tsan | --windows) runners+=("${argument#--}") ;;
+    -h | --help)
+      usage
+      exit 0
+      ;;
+    *) usage_error "unknown option '$argument' (see ./test.sh --help)" ;;
+  esac
+done
+[ ${#runners[@]} -gt 0 ] || runners=(native asan tsan windows)
+
+cd -- "$setup_root"
+mkdir -p build
+# A launcher or flags left in the caller's environment are the caller's wish;
+# CTest's own settings are not.
+unset CTEST_OUTPUT_ON_FAILURE CTEST_PARALLEL_LEVEL GTEST_FILTER GTEST_OUTPUT
+
+# build_preset PRESET: a tree that was configured for another place or another
+# set of Windows libraries is configured anew.
+build_preset() {
+  local preset=$1 cache=build/$1/CMakeCache.txt log=build/$1.log
+  if [ -e "$cache" ]; then
+    grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$setup_root" "$cache" &&
+      { [ "$preset" != windows ] ||
+        grep -qxF "RENDAL_WINDOWS_PREFIX:PATH=$RENDAL_WINDOWS_PREFIX" \
+          "$cache"; } ||
+      rm -rf -- "build/$preset"
+  fi
+  : >"$log"
+  logged "$log" cmake --preset "$preset"
+  if [ -t 1 ]; then
+    cmake --build --preset "$preset" || fail "the build of $preset failed"
+  else
+    logged "$log" cmake --build --preset "$preset"
+  fi
+}
+
+# run_preset PRESET: runs the tests and writes "passed failed" to
+# build/PRESET.count. Whatever did not pass has failed: a test that was skipped
+# or could not start, and a suite without tests.
+run_preset() {
+  local preset=$1 log=build/$1.tests.log junit=$PWD/build/$1.xml
+  rm -f -- "$junit"
+  ctest --preset "$preset" -j "$(nproc)" --no-tests=error \
+    --output-junit "$junit" >"$log" 2>&1 </dev/null ||
+    grep -vE '^ +Start +[0-9]+:| Passed +[0-9.]+ sec$' "$log" || true
+  [ -s "$junit" ] || fail "$preset: the tests could not be run (log: $log)"
+  local all passed
+  all=$(grep -c '<testcase ' "$junit" || true)
+  passed=$(grep -c '<testcase .* status="run"' "$junit" || true)
+  [ "$all" -gt 0 ] || fail "$preset: there are no tests"
+  printf '%s %s\n' "$passed" "$((all - passed))" >"build/$preset.count"
+}
+
+run_native() {
+  setup/packages.sh native
+  build_preset native
+  run_preset native
+}
+
+# Requests for absurd amounts of memory are tested: they must fail as they do
+# without the sanitizer.
+run_asan() {
+  setup/packages.sh native
+  build_preset native-asan
+  export ASAN_OPTIONS=allocator_may_return_null=1:detect_leaks=1
+  ASAN_OPTIONS+=:detect_stack_use_after_return=1:strict_string_checks=1
+  ASAN_OPTIONS+=:check_initialization_order=1
+  export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+  run_preset native-asan
+}
+
+run_tsan() {
+  setup/packages.sh native
+  build_preset native-tsan
+  export TSAN_OPTIONS=allocator_may_return_null=1:halt_on_error=1
+  TSAN_OPTIONS+=:second_deadlock_stack=1
+  run_preset native-tsan
+}
+
+end_windows() {
+  rendal_wine_stop
+  stop_display
+}
+
+run_windows() {
+  setup/packages.sh native windows display
+  # Windows of another run must not be met, so this has its own session.
+  export RENDAL_WINEPREFIX=$PWD/build/wine-test
+  . setup/environment.sh
+  build_preset windows
+  trap end_windows EXIT
+  start_display "$PWD/build/display"
+  rendal_wine_start || fail "Wine did not start"
+  run_preset windows
+}
+
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+passed=0
+failed=0
+for runner in "${runners[@]}"; do
+  preset=native-$runner
+  case $runner in native | windows) preset=$runner ;; esac
+  rm -f -- "build/$preset.count"
+  say "== $runner"
+  started=$SECONDS
+  # A runner that ends early has left no count: that is one failure.
+  set +e
+  (
+    set -e
+    "run_$runner"
+  )
+  set -e
+  counts=(0 1)
+  [ ! -s "build/$preset.count" ] || read -ra counts <"build/$preset.count"
+  printf '%s (%s s): %s passed, %s failed\n' "$runner" \
+    "$((SECONDS - started))" "${counts[@]}"
+  passed=$((passed + counts[0]))
+  failed=$((failed + counts[1]))
+done
+
+printf '%s passed, %s failed\n' "$passed" "$failed"
+[ "$failed" -eq 0 ]
