@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "region/internal/child_block.h"
+#include "region/internal/label_sets.h"
 #include "region/internal/memory.h"
 #include "region/internal/parallel.h"
 #include "region/internal/views.h"
@@ -12,48 +13,7 @@ namespace {
 
 using internal::buffer;
 using internal::child_block;
-
-// Disjoint sets of provisional labels 0, 1, 2, ...; the smallest label of a set
-// is its root.
-class label_sets {
- public:
-  explicit label_sets(size_t most) : parent_(most) {}
-
-  int32_t make() {
-    parent_[count_] = count_;
-    return count_++;
-  }
-
-  int32_t root(int32_t label) const {
-    while (parent_[label] != label) {
-      label = parent_[label] = parent_[parent_[label]];
-    }
-    return label;
-  }
-
-  int32_t unite(int32_t a, int32_t b) {
-    a = root(a);
-    b = root(b);
-    const int32_t smaller = std::min(a, b);
-    parent_[std::max(a, b)] = smaller;
-    return smaller;
-  }
-
-  // Turns provisional labels into final ones, numbered from 0 in the order of
-  // the roots. Returns how many there are.
-  int32_t number_roots() {
-    int32_t next = 0;
-    for (int32_t i = 0; i < count_; ++i) {
-      parent_[i] = parent_[i] == i ? next++ : parent_[parent_[i]];
-    }
-    return next;
-  }
-  int32_t number(int32_t label) const { return parent_[label]; }
-
- private:
-  buffer<int32_t> parent_;
-  int32_t count_ = 0;
-};
+using internal::label_sets;
 
 constexpr int32_t kNone = -1;
 
@@ -96,7 +56,7 @@ int32_t label_runs(const View& runs, int32_t reach, int32_t* labels) {
     prev = cur;
     prev_end = cur = cur_end;
   }
-  const int32_t components = sets.number_roots();
+  const int32_t components = sets.number_sets();
   for (size_t i = 0; i < runs.count; ++i) labels[i] = sets.number(labels[i]);
   return components;
 }
