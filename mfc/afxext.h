@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: MIT
+//
+// The framework's extensions; this program needs none of them.
+#pragma once
+
+#include "afxwin.h"

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+//
+// The basic controls. Included by afxwin.h.
+#pragma once
+
+#include "window.h"
+
+class CStatic : public CWnd {
+ public:
+  virtual BOOL Create(LPCTSTR text, DWORD style, const RECT& rect, CWnd* parent,
+                      UINT id = 0xFFFF) {
+    return CWnd::Create(L"STATIC", text, style, rect, parent, id);
+  }
+  using CWnd::Create;
+};
+
+class CButton : public CWnd {
+ public:
+  int GetCheck() const {
+    return static_cast<int>(::SendMessageW(m_hWnd, BM_GETCHECK, 0, 0));
+  }
+  void SetCheck(int check) { ::SendMessageW(m_hWnd, BM_SETCHECK, check, 0); }
+  void SetButtonStyle(UINT style, BOOL redraw = TRUE) {
+    ::SendMessageW(m_hWnd, BM_SETSTYLE, style, redraw);
+  }
+};
+
+class CEdit : public CWnd {
+ public:
+  virtual BOOL Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+    return CWnd::Create(L"EDIT", nullptr, style, rect, parent, id);
+  }
+  using CWnd::Create;
+  void SetSel(int start, int end) {
+    ::SendMessageW(m_hWnd, EM_SETSEL, start, end);
+  }
+  BOOL SetReadOnly(BOOL read_only = TRUE) {
+    return ::SendMessageW(m_hWnd, EM_SETREADONLY, read_only, 0) != 0;
+  }
+};
+
+class CComboBox : public CWnd {
+ public:
+  int GetCount() const { return Ask(CB_GETCOUNT); }
+  int GetCurSel() const { return Ask(CB_GETCURSEL); }
+  int SetCurSel(int index) { return Ask(CB_SETCURSEL, index); }
+  int AddString(LPCTSTR text) {
+    return Ask(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+  }
+  void ResetContent() { Ask(CB_RESETCONTENT); }
+  int GetLBTextLen(int index) const { return Ask(CB_GETLBTEXTLEN, index); }
+  void GetLBText(int index, CString& text) const;
+
+ private:
+  int Ask(UINT message, WPARAM w = 0, LPARAM l = 0) const {
+    return static_cast<int>(::SendMessageW(m_hWnd, message, w, l));
+  }
+};

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "detail/dispatch.h"
+
+#include <exception>
+
+#include "detail/handle_maps.h"
+
+namespace {
+
+// The message being handled, for CWnd::Default().
+MSG g_currentMessage{};
+
+class CurrentMessage {
+ public:
+  explicit CurrentMessage(const MSG& message) : m_saved(g_currentMessage) {
+    g_currentMessage = message;
+  }
+  ~CurrentMessage() { g_currentMessage = m_saved; }
+  CurrentMessage(const CurrentMessage&) = delete;
+  CurrentMessage& operator=(const CurrentMessage&) = delete;
+
+ private:
+  MSG m_saved;
+};
+
+// A standard exception in the clothes of the framework's.
+class CStandardException : public CException {
+ public:
+  explicit CStandardException(const char* what) : m_what(what) {}
+  BOOL GetErrorMessage(LPTSTR text, UINT size, UINT*) override {
+    if (size == 0) return FALSE;
+    ::lstrcpynW(text, CString(m_what), static_cast<int>(size));
+    return TRUE;
+  }
+
+ private:
+  CStringA m_what;
+};
+
+LRESULT Report(CException* exception, const MSG& message) {
+  LRESULT result = 0;
+  if (CWinApp* app = AfxGetApp()) {
+    result = app->ProcessWndProcException(exception, &message);
+  } else {
+    exception->ReportError();
+  }
+  exception->Delete();
+  return result;
+}
+
+}  // namespace
+
+LRESULT AfxGuarded(const MSG& message,
+                   const std::function<LRESULT()>& handler) {
+  try {
+    return handler();
+  } catch (CException* exception) {
+    return Report(exception, message);
+  } catch (const std::exception& exception) {
+    return Report(new CStandardException(exception.what()), message);
+  }
+}
+
+LRESULT AfxCallWndProc(CWnd* window, const MSG& message) {
+  const CurrentMessage current(message);
+  return AfxGuarded(message, [&] {
+    return window->WindowProc(message.message, message.wParam, message.lParam);
+  });
+}
+
+LRESULT CALLBACK AfxWndProc(HWND handle, UINT message, WPARAM w, LPARAM l) {
+  CWnd* window = CWnd::FromHandlePermanent(handle);
+  if (window == nullptr) return ::DefWindowProcW(handle, message, w, l);
+  return AfxCallWndProc(window, MSG{handle, message, w, l, 0, {0, 0}});
+}
+
+LRESULT CWnd::Default() {
+  return DefWindowProc(g_currentMessage.message, g_currentMessage.wParam,
+                       g_currentMessage.lParam);
+}
+
+const MSG* CWnd::GetCurrentMessage() { return &g_currentMessage; }
+
+const AFX_MSGMAP_ENTRY* CCmdTarget::FindEntry(UINT message, UINT code,
+                                              UINT id) const {
+  for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
+       map = map->pfnGetBaseMap()) {
+    for (const auto* entry = map->lpEntries; entry->nMessage != 0; ++entry) {
+      if (entry->nMessage == message && entry->nCode == code &&
+          entry->nID <= id && id <= entry->nLastID) {
+        return entry;
+      }
+    }
+  }
+  return nullptr;
+}
+
+BOOL CCmdTarget::OnCmdMsg(UINT id, int code, const MSG& message,
+                          LRESULT* result) {
+  const auto* entry = FindEntry(message.message, static_cast<UINT>(code), id);
+  return entry != nullptr ? entry->pfn(this, message, result) : FALSE;
+}
+
+LRESULT CWnd::WindowProc(UINT message, WPARAM w, LPARAM l) {
+  LRESULT result = 0;
+  if (OnWndMsg(message, w, l, &result)) return result;
+  return DefWindowProc(message, w, l);
+}
+
+LRESULT CWnd::DefWindowProc(UINT message, WPARAM w, LPARAM l) {
+  if (m_pfnSuper == nullptr) return ::DefWindowProcW(m_hWnd, message, w, l);
+  return ::CallWindowProcW(m_pfnSuper, m_hWnd, message, w, l);
+}
+
+BOOL CWnd::OnWndMsg(UINT message, WPARAM w, LPARAM l, LRESULT* result) {
+  if (message == WM_COMMAND) {
+    if (!OnCommand(w, l)) return FALSE;
+    *result = 1;
+    return TRUE;
+  }
+  if (message == WM_NOTIFY) {
+    return l != 0 ? OnNotify(w, l, result) : FALSE;
+  }
+  const bool is_color =
+      message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC;
+  const auto* entry = FindEntry(is_color ? WM_CTLCOLOR : message, 0, 0);
+  if (entry == nullptr) return FALSE;
+  return entry->pfn(this, MSG{m_hWnd, message, w, l, 0, {0, 0}}, result);
+}
+
+BOOL CWnd::OnCommand(WPARAM w, LPARAM l) {
+  const UINT id = LOWORD(w);
+  const HWND control = reinterpret_cast<HWND>(l);
+  // A disabled item's accelerator must not act, nor a reflected notification.
+  LRESULT result = 0;
+  if (control != nullptr && ReflectLastMsg(control, &result)) return TRUE;
+  return OnCmdMsg(id, HIWORD(w), MSG{m_hWnd, WM_COMMAND, w, l, 0, {0, 0}},
+                  &result);
+}
+
+BOOL CWnd::OnNotify(WPARAM w, LPARAM l, LRESULT* result) {
+  const auto* header = reinterpret_cast<const NMHDR*>(l);
+  if (ReflectLastMsg(header->hwndFrom, result)) return TRUE;
+  return OnCmdMsg(static_cast<UINT>(header->idFrom),
+                  static_cast<int>(header->code),
+                  MSG{m_hWnd, WM_NOTIFY, w, l, 0, {0, 0}}, result);
+}
+
+BOOL CWnd::ReflectLastMsg(HWND handle, LRESULT* result) {
+  CWnd* child = FromHandlePermanent(handle);
+  return child != nullptr ? child->SendChildNotifyLastMsg(result) : FALSE;
+}
+
+BOOL CWnd::SendChildNotifyLastMsg(LRESULT* result) {
+  const MSG& message = g_currentMessage;
+  return OnChildNotify(message.message, message.wParam, message.lParam, result);
+}
+
+BOOL CWnd::OnChildNotify(UINT message, WPARAM w, LPARAM l, LRESULT* result) {
+  UINT reflected = WM_REFLECT_BASE + message;
+  UINT code = 0;
+  if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) {
+    reflected = WM_REFLECT_BASE + WM_CTLCOLOR;
+  } else if (message == WM_NOTIFY) {
+    code = reinterpret_cast<const NMHDR*>(l)->code;
+  } else if (message == WM_COMMAND) {
+    code = HIWORD(w);
+  }
+  const auto* entry = FindEntry(reflected, code, 0);
+  if (entry == nullptr) return FALSE;
+  return entry->pfn(this, MSG{m_hWnd, message, w, l, 0, {0, 0}}, result);
+}
+
+HBRUSH CWnd::OnCtlColor(CDC*, CWnd* window, UINT) {
+  LRESULT result = 0;
+  if (window != nullptr && window->SendChildNotifyLastMsg(&result)) {
+    return reinterpret_cast<HBRUSH>(result);
+  }
+  return reinterpret_cast<HBRUSH>(Default());
+}
+
+void CWnd::OnDrawItem(int, LPDRAWITEMSTRUCT) { Default(); }
+
+void CWnd::OnNcDestroy() {
+  CWinApp* app = AfxGetApp();
+  if (app != nullptr && app->m_pMainWnd == this) app->m_pMainWnd = nullptr;
+  Default();
+  UnsubclassWindow();
+  PostNcDestroy();
+}
+
+// clang-format off
+BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
+  ON_WM_CTLCOLOR()
+  ON_WM_NCDESTROY()
+END_MESSAGE_MAP()
+// clang-format on

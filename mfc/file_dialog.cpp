@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include <objbase.h>
+#include <shobjidl.h>
+
+#include <vector>
+
+#include "afxdlgs.h"
+
+namespace {
+
+// COM for the length of one dialog, whether or not the thread has it already.
+class ComApartment {
+ public:
+  ComApartment()
+      : m_result(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+  ~ComApartment() {
+    if (SUCCEEDED(m_result)) ::CoUninitialize();
+  }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+
+ private:
+  HRESULT m_result;
+};
+
+template <typename Interface>
+class ComPointer {
+ public:
+  ComPointer() = default;
+  ~ComPointer() {
+    if (m_object != nullptr) m_object->Release();
+  }
+  ComPointer(const ComPointer&) = delete;
+  ComPointer& operator=(const ComPointer&) = delete;
+  Interface** Receive() { return &m_object; }
+  Interface* operator->() const { return m_object; }
+
+ private:
+  Interface* m_object = nullptr;
+};
+
+// The text between the separators, without the empty ends.
+std::vector<CString> SplitFilter(const CString& filter) {
+  std::vector<CString> parts;
+  int begin = 0;
+  for (int end = filter.Find(L'|'); end > begin;
+       end = filter.Find(L'|', begin)) {
+    parts.push_back(filter.Mid(begin, end - begin));
+    begin = end + 1;
+  }
+  return parts;
+}
+
+void SetFileTypes(IFileOpenDialog* dialog, const CString& filter) {
+  const std::vector<CString> parts = SplitFilter(filter);
+  std::vector<COMDLG_FILTERSPEC> types;
+  for (size_t i = 0; i + 1 < parts.size(); i += 2) {
+    types.push_back({parts[i], parts[i + 1]});
+  }
+  if (!types.empty()) {
+    dialog->SetFileTypes(static_cast<UINT>(types.size()), types.data());
+  }
+}
+
+CString ChosenPath(IFileOpenDialog* dialog) {
+  ComPointer<IShellItem> item;
+  LPWSTR text = nullptr;
+  if (FAILED(dialog->GetResult(item.Receive())) ||
+      FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, &text))) {
+    return {};
+  }
+  const CString path(text);
+  ::CoTaskMemFree(text);
+  return path;
+}
+
+}  // namespace
+
+CFileDialog::CFileDialog(BOOL open, LPCTSTR, LPCTSTR file_name, DWORD,
+                         LPCTSTR filter, CWnd* parent)
+    : m_fileName(file_name), m_filter(filter), m_pParent(parent) {
+  ASSERT(open);
+  static_cast<void>(open);
+}
+
+INT_PTR CFileDialog::DoModal() {
+  const ComApartment apartment;
+  ComPointer<IFileOpenDialog> dialog;
+  if (FAILED(::CoCreateInstance(CLSID_FileOpenDialog, nullptr,
+                                CLSCTX_INPROC_SERVER, IID_IFileOpenDialog,
+                                reinterpret_cast<void**>(dialog.Receive())))) {
+    return IDCANCEL;
+  }
+  SetFileTypes(dialog.operator->(), m_filter);
+  if (!m_fileName.IsEmpty()) dialog->SetFileName(m_fileName);
+  dialog->SetOptions(FOS_FORCEFILESYSTEM | FOS_FILEMUSTEXIST |
+                     FOS_PATHMUSTEXIST | FOS_NOCHANGEDIR);
+  const CWnd* parent = m_pParent != nullptr ? m_pParent : AfxGetMainWnd();
+  if (FAILED(dialog->Show(parent != nullptr ? parent->m_hWnd : nullptr))) {
+    return IDCANCEL;
+  }
+  m_path = ChosenPath(dialog.operator->());
+  return m_path.IsEmpty() ? IDCANCEL : IDOK;
+}
