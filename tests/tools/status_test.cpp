@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "tools/status.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace rendal {
+namespace {
+
+constexpr int kNeitherLanguage = 2;
+
+void ExpectStatus(const Status& status, Tone tone, const std::string& text) {
+  EXPECT_EQ(status.tone, tone);
+  EXPECT_EQ(status.text, text);
+}
+
+TEST(Status, OpenedImageIsANoticeInTheChosenLanguage) {
+  // The first two characters are dakai, "open", the next two tupian, "picture".
+  ExpectStatus(messages::ImageOpened(0, 640, 480), Tone::kNotice,
+               "\xE6\x89\x93\xE5\xBC\x80\xE5\x9B\xBE\xE7\x89\x87"
+               ",width = 640, height = 480");
+  ExpectStatus(messages::ImageOpened(1, 640, 480), Tone::kNotice,
+               "open image,width = 640, height = 480");
+}
+
+TEST(Status, UnsupportedChannelsAreANoticeInTheChosenLanguage) {
+  ExpectStatus(messages::ChannelsNotSupported(0, 2), Tone::kNotice,
+               "\xE6\x89\x93\xE5\xBC\x80\xE5\x9B\xBE\xE7\x89\x87"
+               ",channels = 2 not support");
+  ExpectStatus(messages::ChannelsNotSupported(1, 2), Tone::kNotice,
+               "open image,channels = 2 not support");
+}
+
+TEST(Status, BlobMessagesReadTheSameInBothLanguages) {
+  for (const int language : {0, 1}) {
+    SCOPED_TRACE(language);
+    ExpectStatus(messages::BandReversed(language, 200, 100), Tone::kError,
+                 "MinGray = 200 > MaxGray = 100");
+    ExpectStatus(messages::RegionEmpty(language), Tone::kError,
+                 "region is empty");
+    ExpectStatus(messages::NoBinarization(language, 0), Tone::kError,
+                 "no binarization yet, 0");
+    ExpectStatus(messages::TooFewRegions(language, 1), Tone::kError,
+                 "The number of regions is less than 2, 1");
+    ExpectStatus(messages::Done(language, "threshold"), Tone::kSuccess,
+                 "threshold done");
+    ExpectStatus(messages::ConnectionDone(language, 24), Tone::kSuccess,
+                 "connection done, connected components =24");
+  }
+}
+
+TEST(Status, OtherLanguagesLeaveTheTextEmpty) {
+  ExpectStatus(messages::ImageOpened(kNeitherLanguage, 1, 1), Tone::kNotice,
+               "");
+  ExpectStatus(messages::BandReversed(kNeitherLanguage, 2, 1), Tone::kError,
+               "");
+  ExpectStatus(messages::Done(kNeitherLanguage, "union2"), Tone::kSuccess, "");
+  ExpectStatus(messages::ConnectionDone(-1, 3), Tone::kSuccess, "");
+}
+
+TEST(Status, ClearedDisplayIsAnEmptyNotice) {
+  ExpectStatus(messages::DisplayCleared(), Tone::kNotice, "");
+}
+
+TEST(Status, ExceptionOfAToolBecomesARedLineWithItsText) {
+  ExpectStatus(
+      Guarded([]() -> Status { throw std::runtime_error("malloc failed"); }),
+      Tone::kError, "malloc failed");
+}
+
+TEST(Status, GuardedPassesOnWhatTheToolReturns) {
+  ExpectStatus(Guarded([] { return messages::Done(1, "opening"); }),
+               Tone::kSuccess, "opening done");
+}
+
+}  // namespace
+}  // namespace rendal
