@@ -1,14 +1,125 @@
 // SPDX-License-Identifier: MIT
 #include "vexolab/fit.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "vexolab/robust.h"
+#include "vexolab/shape_fit.h"
 #include "vexolab/vexolab.h"
 
 namespace vexolab {
+namespace {
 
-// Not there yet: refuses everything.
-int fit(const double* /*points*/, int /*n*/, int /*shape*/, int /*method*/,
-        float /*factor*/, int /*iterations*/, int /*least*/, double* /*out*/) {
-  return VEXOLAB_E_TOO_FEW;
+constexpr double kLargestNumber = 1e7;
+constexpr int kMethodCut = 0;
+constexpr int kMethodFalling = 7;
+
+// Below this no camera measures; it keeps exact points from making every
+// rounding error an outlier.
+constexpr double kSmallestSigmaPx = 0.01;
+
+std::unique_ptr<shape_fit> make_fit(int shape) {
+  switch (shape) {
+    case VEXOLAB_LINE:
+      return make_line_fit();
+    case VEXOLAB_CIRCLE:
+      return make_circle_fit();
+    case VEXOLAB_ELLIPSE:
+      return make_ellipse_fit();
+    default:
+      return nullptr;
+  }
+}
+
+bool usable(double value) {
+  return std::fabs(value) <= kLargestNumber;  // false for NaN
+}
+
+double median(std::vector<double>* values) {
+  const auto middle = values->begin() + values->size() / 2;
+  std::nth_element(values->begin(), middle, values->end());
+  return *middle;
+}
+
+// The points in the frame of the fit. Medians, not means: one stray point far
+// away must not cost the others their digits.
+struct framed_points {
+  std::vector<double> x, y;
+  double origin_x, origin_y, unit;
+
+  framed_points(const double* points, int n)
+      : x(points, points + n), y(points + n, points + 2 * n) {
+    std::vector<double> scratch(x);
+    origin_x = median(&scratch);
+    scratch = y;
+    origin_y = median(&scratch);
+    for (double& value : x) value -= origin_x;
+    for (double& value : y) value -= origin_y;
+    for (int i = 0; i < n; ++i) {
+      scratch[i] = std::max(std::fabs(x[i]), std::fabs(y[i]));
+    }
+    double spread = median(&scratch);
+    if (spread == 0) spread = *std::max_element(scratch.begin(), scratch.end());
+    int exponent = 0;
+    std::frexp(spread, &exponent);
+    unit = spread > 0 ? std::ldexp(1.0, exponent) : 1.0;
+    // A power of two, so scaling is exact (times, not divided by: the
+    // reciprocal of a tiny unit would overflow).
+    for (double& value : x) value /= unit;
+    for (double& value : y) value /= unit;
+  }
+
+  // All in one place, as far as numbers of this size can tell.
+  bool coincide() const {
+    double extent = 0;
+    for (const double value : x) extent = std::max(extent, std::fabs(value));
+    for (const double value : y) extent = std::max(extent, std::fabs(value));
+    const double size = std::max(std::fabs(origin_x), std::fabs(origin_y));
+    return extent * unit <= 4 * std::numeric_limits<double>::epsilon() * size ||
+           extent == 0;
+  }
+};
+
+}  // namespace
+
+int fit(const double* points, int n, int shape, int method, float factor,
+        int iterations, int least, double* out) {
+  const std::unique_ptr<shape_fit> fit = make_fit(shape);
+  if (!fit || !out || n < 0 || (!points && n > 0)) return VEXOLAB_E_ARGUMENT;
+  if (method != kMethodCut && method != kMethodFalling) {
+    return VEXOLAB_E_ARGUMENT;
+  }
+  if (!usable(factor)) return VEXOLAB_E_NUMBER;
+  if (factor < 0) return VEXOLAB_E_ARGUMENT;
+  least = std::max(least, fit->freedom());
+  if (n < least) return VEXOLAB_E_TOO_FEW;
+  if (n > VEXOLAB_MAX_POINTS) return VEXOLAB_E_LIMIT;
+  if (!std::all_of(points, points + 2 * static_cast<long>(n), usable)) {
+    return VEXOLAB_E_NUMBER;
+  }
+
+  const framed_points framed(points, n);
+  if (framed.coincide()) return VEXOLAB_E_DEGENERATE;
+  const point_set set{framed.x.data(), framed.y.data(), n};
+  bool done;
+  if (factor > 0 && iterations > 0 && n > fit->freedom() + 1) {
+    robust_options options;
+    options.weights = method == kMethodCut ? tail::kCut : tail::kFalling;
+    options.factor = factor;
+    options.iterations = iterations;
+    options.least = least;
+    options.smallest_sigma = kSmallestSigmaPx / framed.unit;
+    done = fit_robustly(set, options, fit.get());
+  } else {
+    const std::vector<double> ones(n, 1.0);
+    done = fit->fit(set, ones.data(), false);
+  }
+  if (!done) return VEXOLAB_E_DEGENERATE;
+  fit->report(framed.origin_x, framed.origin_y, framed.unit, out);
+  return 0;
 }
 
 }  // namespace vexolab

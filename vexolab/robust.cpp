@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "vexolab/robust.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "vexolab/robust_start.h"
+#include "vexolab/scale.h"
+
+namespace vexolab {
+namespace {
+
+// The iteration rests when the distances change by less than this part of
+// sigma (root mean square).
+constexpr double kSettled = 1e-5;
+// Rounds that estimate sigma from a narrow band, until outliers are out.
+constexpr int kNarrowRounds = 2;
+constexpr double kSmallestFactor = 0.01;
+
+// Weight over distance for a given sigma.
+class weight_curve {
+ public:
+  weight_curve(const robust_options& options, double sigma) {
+    if (options.weights == tail::kCut) {
+      core_ = end_ = std::max(options.factor, 2.0) * sigma;
+    } else {
+      // The smaller, the more weight have the few points on the shape itself;
+      // alone they would not determine it.
+      const double factor = std::max(options.factor, kSmallestFactor);
+      core_ = factor * sigma;
+      end_ = std::max(1.75 * factor, factor + 1.5) * sigma;
+    }
+  }
+
+  double operator()(double distance) const {
+    if (distance <= core_) return 1;
+    if (distance >= end_) return 0;
+    return core_ / distance * (end_ - distance) / (end_ - core_);
+  }
+
+ private:
+  double core_, end_;
+};
+
+class iteration {
+ public:
+  iteration(const point_set& points, const robust_options& options,
+            shape_fit* shape)
+      : points_(points),
+        options_(options),
+        shape_(*shape),
+        distance_(points.n),
+        weight_(points.n, 1.0),
+        scratch_(points.n) {}
+
+  bool run() {
+    if (!start()) return false;
+    for (int round = 0; round < options_.iterations; ++round) {
+      weigh();
+      if (!shape_.fit(points_, weight_.data(), round > 0)) return false;
+      scratch_.swap(distance_);
+      shape_.distances(points_, distance_.data());
+      const double moved = change();
+      const double before = sigma_;
+      estimate_sigma(round >= kNarrowRounds);
+      if (round >= kNarrowRounds && moved <= kSettled * sigma_ &&
+          std::fabs(sigma_ - before) <= kSettled * sigma_) {
+        break;
+      }
+    }
+    return true;
+  }
+
+ private:
+  // Points no sample of which makes a shape still have a least squares fit.
+  bool start() {
+    if (robust_start(points_, shape_, options_.smallest_sigma, distance_.data(),
+                     &sigma_)) {
+      return true;
+    }
+    if (!shape_.fit(points_, weight_.data(), false)) return false;
+    shape_.distances(points_, distance_.data());
+    scratch_ = distance_;
+    sigma_ = std::max(first_sigma(order_statistic(scratch_.data(), points_.n,
+                                                  (points_.n + 1) / 2),
+                                  points_.n, shape_.freedom()),
+                      options_.smallest_sigma);
+    return true;
+  }
+
+  void weigh() {
+    const weight_curve curve(options_, sigma_);
+    int kept = 0;
+    for (int i = 0; i < points_.n; ++i) {
+      weight_[i] = curve(distance_[i]);
+      kept += weight_[i] > 0;
+    }
+    if (kept < options_.least) keep_closest_half();
+  }
+
+  void keep_closest_half() {
+    const int half = std::max(options_.least, (points_.n + 1) / 2);
+    scratch_ = distance_;
+    const double most = order_statistic(scratch_.data(), points_.n, half);
+    for (int i = 0; i < points_.n; ++i) {
+      weight_[i] = distance_[i] <= most ? 1 : 0;
+    }
+  }
+
+  void estimate_sigma(bool settled) {
+    sigma_ = std::max(next_sigma(distance_.data(), points_.n, shape_.freedom(),
+                                 sigma_, settled),
+                      options_.smallest_sigma);
+  }
+
+  // Of the distances of the points used, root mean square.
+  double change() const {
+    double sum = 0, weight = 0;
+    for (int i = 0; i < points_.n; ++i) {
+      const double d = distance_[i] - scratch_[i];
+      sum += weight_[i] * d * d;
+      weight += weight_[i];
+    }
+    return std::sqrt(sum / weight);
+  }
+
+  const point_set& points_;
+  const robust_options& options_;
+  shape_fit& shape_;
+  std::vector<double> distance_, weight_, scratch_;
+  double sigma_ = 0;
+};
+
+}  // namespace
+
+bool fit_robustly(const point_set& points, const robust_options& options,
+                  shape_fit* shape) {
+  return iteration(points, options, shape).run();
+}
+
+}  // namespace vexolab

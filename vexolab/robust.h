@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+//
+// Robust fitting, the same for all shapes: least median of squares to start
+// [Rousseeuw 1984], then weighted geometric fits with a redescending tail and
+// a scale estimated along the way (an MM-estimator in spirit [Yohai 1987]).
+#ifndef VEXOLAB_ROBUST_H_
+#define VEXOLAB_ROBUST_H_
+
+#include "vexolab/shape_fit.h"
+
+namespace vexolab {
+
+enum class tail {
+  kCut,      // weight 1 up to max(factor, 2) sigma, 0 beyond
+  kFalling,  // 1 up to factor sigma, then as Huber's, times a line that
+             // reaches 0 at max(1.75 factor, factor + 1.5) sigma
+};
+
+struct robust_options {
+  tail weights = tail::kFalling;
+  double factor = 2;      // in units of sigma, > 0; raised to 0.01
+  int iterations = 20;    // > 0
+  int least = 5;          // points to keep whatever the weights say
+  double smallest_sigma;  // in the points' units, > 0
+};
+
+// Leaves the result in *shape; false: degenerate. Needs more than
+// shape->freedom() + 1 points.
+bool fit_robustly(const point_set& points, const robust_options& options,
+                  shape_fit* shape);
+
+}  // namespace vexolab
+
+#endif  // VEXOLAB_ROBUST_H_

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+//
+// What the robust iteration asks of a line, a circle or an ellipse.
+#ifndef VEXOLAB_SHAPE_FIT_H_
+#define VEXOLAB_SHAPE_FIT_H_
+
+#include <array>
+#include <memory>
+
+namespace vexolab {
+
+// Borrowed coordinates, in the frame of one fit: the origin amid the points,
+// the unit a power of two near their spread.
+struct point_set {
+  const double* x;
+  const double* y;
+  int n;
+};
+
+// A shape guessed from a few points, as the coefficients of its equation; what
+// they mean is each shape's own.
+using guess = std::array<double, 6>;
+
+class shape_fit {
+ public:
+  virtual ~shape_fit() = default;
+
+  // Number of parameters: 2, 3 or 5. As many points determine a guess.
+  virtual int freedom() const = 0;
+
+  // ---- Guesses ----------------------------------------------------------
+
+  // Number of random samples that make the start safe.
+  virtual int samples() const = 0;
+  // The shape through points[index[0 .. freedom() - 1]]; false if these
+  // determine none.
+  virtual bool through(const point_set& points, const int* index,
+                       guess* shape) const = 0;
+  // How many points are closer to the shape than `tolerance`. The start's
+  // inner loop: no square root, no branch.
+  virtual int count_within(const point_set& points, const guess& shape,
+                           double tolerance) const = 0;
+  // Unsigned distances, to first order far from the shape.
+  virtual void distances(const point_set& points, const guess& shape,
+                         double* distance) const = 0;
+  // Number of guesses worth a second look by refit(), at least 1.
+  virtual int finalists() const { return 1; }
+  // Algebraic fit to all points of weight > 0; false if there is none.
+  virtual bool refit(const point_set&, const double* /*weight*/, guess*) const {
+    return false;
+  }
+
+  // ---- The geometric fit -------------------------------------------------
+
+  // Minimises the weighted sum of squared distances, from the last fit if
+  // `warm`, else from an algebraic one. False: degenerate.
+  virtual bool fit(const point_set& points, const double* weight,
+                   bool warm) = 0;
+  // Unsigned orthogonal distances from the last fit.
+  virtual void distances(const point_set& points, double* distance) const = 0;
+  // The last fit as do_fit() reports it, moved back into the image.
+  virtual void report(double origin_x, double origin_y, double unit,
+                      double* out) const = 0;
+};
+
+std::unique_ptr<shape_fit> make_line_fit();
+std::unique_ptr<shape_fit> make_circle_fit();
+std::unique_ptr<shape_fit> make_ellipse_fit();
+
+}  // namespace vexolab
+
+#endif  // VEXOLAB_SHAPE_FIT_H_
