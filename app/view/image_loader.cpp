@@ -25,20 +25,6 @@ std::string Utf8(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
-// Where paths are wide, the prefix lifts the old limit of 260 characters.
-fs::path WithoutLengthLimit(const fs::path& path) {
-  if constexpr (std::is_same_v<fs::path::value_type, wchar_t>) {
-    std::error_code error;
-    fs::path absolute = fs::absolute(path, error).make_preferred();
-    const auto& text = absolute.native();
-    // Device paths ("\\?\...") and shares ("\\server\...") stay.
-    if (error || text.size() < 2 || text[1] != ':') return path;
-    return fs::path("\\\\?\\") += absolute;
-  } else {
-    return path;
-  }
-}
-
 // The bytes of a regular file; none if it cannot be read.
 std::vector<unsigned char> ReadFile(const fs::path& path) {
   std::error_code error;
@@ -142,6 +128,19 @@ cv::Mat SingleChannel(const cv::Mat& image) {
 }
 
 }  // namespace
+
+fs::path WithoutLengthLimit(const fs::path& path) {
+  if constexpr (std::is_same_v<fs::path::value_type, wchar_t>) {
+    std::error_code error;
+    fs::path absolute = fs::absolute(path, error).make_preferred();
+    const auto& text = absolute.native();
+    // Device paths ("\\?\...") and shares ("\\server\...") stay.
+    if (error || text.size() < 2 || text[1] != ':') return path;
+    return fs::path("\\\\?\\") += absolute;
+  } else {
+    return path;
+  }
+}
 
 cv::Mat ToGrey8(const cv::Mat& image, std::string* note) {
   const cv::Mat grey = SingleChannel(image);

@@ -3,6 +3,7 @@
 #define RENDAL_APP_VIEW_IMAGE_LOADER_H_
 
 #include <filesystem>
+#include <string>
 
 #include "app/view/view_state.h"
 #include "tools/status.h"
@@ -32,6 +33,10 @@ Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
 // An image of 1, 3 or 4 channels and any depth as 8-bit grey, by the rules
 // above. `note` (may be null) receives how the values were scaled, or nothing.
 cv::Mat ToGrey8(const cv::Mat& image, std::string* note);
+
+// The path in a form that the system's limit of 260 characters (Windows) does
+// not hold for; elsewhere the path itself.
+std::filesystem::path WithoutLengthLimit(const std::filesystem::path& path);
 
 }  // namespace rendal
 
