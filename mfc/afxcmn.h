@@ -17,6 +17,7 @@ class CListCtrl : public CWnd {
   int InsertColumn(int index, LPCTSTR heading, int format = LVCFMT_LEFT,
                    int width = -1, int sub_item = -1);
   BOOL GetColumn(int index, LVCOLUMN* column) const;
+  BOOL DeleteColumn(int index) { return ListView_DeleteColumn(m_hWnd, index); }
   int GetColumnWidth(int index) const {
     return ListView_GetColumnWidth(m_hWnd, index);
   }
@@ -24,6 +25,13 @@ class CListCtrl : public CWnd {
   int InsertItem(int index, LPCTSTR text);
   BOOL SetItemText(int item, int sub_item, LPCTSTR text);
   CString GetItemText(int item, int sub_item) const;
+  UINT GetItemState(int item, UINT mask) const {
+    return ListView_GetItemState(m_hWnd, item, mask);
+  }
+  // LVIR_LABEL gives the cell's own rectangle, for the first column too.
+  BOOL GetSubItemRect(int item, int sub_item, int area, CRect& rect) const {
+    return ListView_GetSubItemRect(m_hWnd, item, sub_item, area, &rect);
+  }
   BOOL DeleteAllItems() { return ListView_DeleteAllItems(m_hWnd); }
 };
 

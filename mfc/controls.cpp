@@ -1,6 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "afxcmn.h"
 
+BOOL CButton::OnChildNotify(UINT message, WPARAM w, LPARAM l,
+                            LRESULT* result) {
+  if (message != WM_DRAWITEM) {
+    return CWnd::OnChildNotify(message, w, l, result);
+  }
+  DrawItem(reinterpret_cast<LPDRAWITEMSTRUCT>(l));
+  *result = TRUE;
+  return TRUE;
+}
+
 void CComboBox::GetLBText(int index, CString& text) const {
   const int length = GetLBTextLen(index);
   if (length == CB_ERR) return text.Empty();

@@ -179,7 +179,10 @@ HBRUSH CWnd::OnCtlColor(CDC*, CWnd* window, UINT) {
   return reinterpret_cast<HBRUSH>(Default());
 }
 
-void CWnd::OnDrawItem(int, LPDRAWITEMSTRUCT) { Default(); }
+void CWnd::OnDrawItem(int, LPDRAWITEMSTRUCT item) {
+  LRESULT result = 0;
+  if (!ReflectLastMsg(item->hwndItem, &result)) Default();
+}
 
 void CWnd::OnNcDestroy() {
   CWinApp* app = AfxGetApp();
@@ -192,6 +195,7 @@ void CWnd::OnNcDestroy() {
 // clang-format off
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
   ON_WM_CTLCOLOR()
+  ON_WM_DRAWITEM()
   ON_WM_NCDESTROY()
 END_MESSAGE_MAP()
 // clang-format on

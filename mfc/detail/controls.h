@@ -23,6 +23,12 @@ class CButton : public CWnd {
   void SetButtonStyle(UINT style, BOOL redraw = TRUE) {
     ::SendMessageW(m_hWnd, BM_SETSTYLE, style, redraw);
   }
+
+ protected:
+  // Paints a button of style BS_OWNERDRAW.
+  virtual void DrawItem(LPDRAWITEMSTRUCT) {}
+  BOOL OnChildNotify(UINT message, WPARAM w, LPARAM l,
+                     LRESULT* result) override;
 };
 
 class CEdit : public CWnd {
