@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "region/operations.h"
+#include "region_cases.h"
+
+namespace vexo_test {
+namespace {
+
+using vexo::region;
+
+Runs boundary_of(const region& source, const char* type) {
+  region output;
+  vexo::boundary(source, &output, type);
+  return runs_of(output);
+}
+
+TEST(Boundary, InnerOfAThreeByThreeSquareIsItsRing) {
+  EXPECT_EQ(boundary_of(picture({"###", "###", "###"}), "inner"),
+            runs_in({"###", "#.#", "###"}));
+}
+
+TEST(Boundary, OuterOfAThreeByThreeSquareIsTwelvePixels) {
+  EXPECT_EQ(boundary_of(picture({"###", "###", "###"}), "outer"),
+            (Runs{{-1, 0, 2},
+                  {0, -1, -1},
+                  {0, 3, 3},
+                  {1, -1, -1},
+                  {1, 3, 3},
+                  {2, -1, -1},
+                  {2, 3, 3},
+                  {3, 0, 2}}));
+}
+
+TEST(Boundary, InnerFilledLeavesOutHoles) {
+  const region ring = picture({"#####", "#####", "##.##", "#####", "#####"});
+  EXPECT_EQ(boundary_of(ring, "inner_filled"),
+            runs_in({"#####", "#...#", "#...#", "#...#", "#####"}));
+  EXPECT_EQ(boundary_of(ring, "inner"),
+            runs_in({"#####", "#.#.#", "##.##", "#.#.#", "#####"}));
+}
+
+TEST(Boundary, InnerFilledOfAPixelOrALineIsItself) {
+  EXPECT_EQ(boundary_of(region_of({{5, 7, 7}}), "inner_filled"),
+            (Runs{{5, 7, 7}}));
+  EXPECT_EQ(boundary_of(region_of({{5, 7, 11}}), "inner_filled"),
+            (Runs{{5, 7, 11}}));
+}
+
+TEST(Boundary, InnerFilledSeesComponentsInsideHoles) {
+  const Picture nested = {"#######", "#.....#", "#.###.#", "#.###.#",
+                          "#.###.#", "#.....#", "#######"};
+  EXPECT_EQ(boundary_of(picture(nested), "inner_filled"),
+            runs_in({"#######", "#.....#", "#.###.#", "#.#.#.#", "#.###.#",
+                     "#.....#", "#######"}));
+}
+
+TEST(Boundary, OuterInTheCornerReachesRowAndColumnMinusOne) {
+  EXPECT_EQ(boundary_of(picture({"#.", ".."}), "outer"),
+            (Runs{{-1, 0, 0}, {0, -1, -1}, {0, 1, 1}, {1, 0, 0}}));
+}
+
+TEST(Boundary, OtherTypesLeaveTheOutputAsItWas) {
+  region output = region_of({{1, 2, 3}}, 7, 8);
+  for (const char* type : {"Inner", "", "inner ", "outer_filled", "OUTER"}) {
+    vexo::boundary(picture({"##", "##"}), &output, type);
+    EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}})) << type;
+    EXPECT_EQ(output.width, 7);
+  }
+}
+
+TEST(Boundary, SourceWithChildrenOrWithoutRunsLeavesTheOutputAsItWas) {
+  region parent = picture({"##", "##"});
+  parent.child_count = 1;
+  const region empty;
+  region output = region_of({{1, 2, 3}}, 7, 8);
+  for (const char* type : {"inner", "inner_filled", "outer"}) {
+    vexo::boundary(parent, &output, type);
+    vexo::boundary(empty, &output, type);
+    EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}})) << type;
+    EXPECT_EQ(output.width, 7);
+  }
+  parent.child_count = 0;
+}
+
+TEST(Boundary, InnerFilledAppendsToWhatTheOutputHolds) {
+  region output = region_of({{9, 2, 3}});
+  vexo::boundary(picture({"##", "##"}), &output, "inner_filled");
+  EXPECT_EQ(runs_of(output), (Runs{{9, 2, 3}, {0, 0, 1}, {1, 0, 1}}));
+}
+
+TEST(Boundary, InnerAndOuterReplaceWhatTheOutputHolds) {
+  for (const char* type : {"inner", "outer"}) {
+    region output = region_of({{9, 2, 3}});
+    vexo::boundary(picture({"##", "##"}), &output, type);
+    EXPECT_EQ(runs_of(output), boundary_of(picture({"##", "##"}), type));
+  }
+}
+
+TEST(Boundary, OutputMayBeTheSource) {
+  for (const char* type : {"inner", "outer"}) {
+    region source = picture({"####", "####", "####", ".###"});
+    const Runs expected = boundary_of(source, type);
+    vexo::boundary(source, &source, type);
+    EXPECT_EQ(runs_of(source), expected) << type;
+  }
+}
+
+TEST(Boundary, CopiesTheImageSize) {
+  for (const char* type : {"inner", "inner_filled", "outer"}) {
+    region output;
+    vexo::boundary(region_of({{0, 0, 4}}, 30, 20), &output, type);
+    EXPECT_EQ(output.width, 30) << type;
+    EXPECT_EQ(output.height, 20) << type;
+  }
+}
+
+TEST(Boundary, InnerFilledFollowsTheRunsNotThePixels) {
+  // A walk along this line would take more than an hour.
+  const region line = region_of({{-5, INT32_MIN, INT32_MAX}});
+  EXPECT_EQ(boundary_of(line, "inner_filled"), runs_of(line));
+}
+
+TEST(Boundary, AgreesWithThePixelOracle) {
+  for (uint64_t seed = 0; seed < 2000; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const PixelSet pixels = random_pixels(random);
+    const region source = region_of(pixels);
+    ASSERT_EQ(boundary_of(source, "inner"),
+              oracle_inner_boundary(pixels).runs());
+    ASSERT_EQ(boundary_of(source, "outer"),
+              oracle_outer_boundary(pixels).runs());
+  }
+}
+
+TEST(Boundary, InnerFilledIsWhatAWalkAroundEachComponentVisits) {
+  for (uint64_t seed = 0; seed < 1500; ++seed) {
+    SCOPED_TRACE(seed);
+    const region source = picture(random_picture(seed, 24));
+    if (source.run_count == 0) continue;
+    const PixelSet pixels = pixels_of(runs_of(source));
+    const Runs contours = boundary_of(source, "inner_filled");
+    ASSERT_EQ(contours, oracle_contours(pixels, oracle_walked_contour).runs());
+    ASSERT_EQ(contours, oracle_contours(pixels, oracle_contour).runs());
+  }
+}
+
+}  // namespace
+}  // namespace vexo_test
