@@ -2,7 +2,7 @@
 #include "app/view/view_painter.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -33,8 +33,8 @@ void FillPixels(unsigned char* to, int count, const double (&color)[4]) {
 // They never decrease from left to right.
 class ColumnMap {
  public:
-  ColumnMap(const ViewState& view, int image_width) : m_view(view) {
-    m_columns.resize(view.viewWidth);
+  ColumnMap(const ViewState& view, int image_width)
+      : m_zoom(view.zoom), m_offset(view.offsetX), m_columns(view.viewWidth) {
     for (int u = 0; u < view.viewWidth; ++u) m_columns[u] = view.ImageColumn(u);
     m_imageBegin = FirstAtLeast(0);
     m_imageEnd = FirstAtLeast(image_width);
@@ -50,17 +50,22 @@ class ColumnMap {
   // corrects its rounding against the table, so it is exact.
   int FirstAtLeast(int column) const {
     const int width = static_cast<int>(m_columns.size());
-    const double guess =
-        (column - 0.5) * m_view.zoom + static_cast<double>(m_view.offsetX);
-    int u = static_cast<int>(
-        std::clamp(std::ceil(guess), 0.0, static_cast<double>(width)));
+    const double guess = (column - 0.5) * m_zoom + m_offset;
+    int u = static_cast<int>(std::clamp(guess, 0.0, 1.0 * width));
     while (u > 0 && m_columns[u - 1] >= column) --u;
     while (u < width && m_columns[u] < column) ++u;
     return u;
   }
 
+  // Whether the view shows none of the image columns begin..end.
+  bool Misses(int begin, int end) const {
+    return m_columns.empty() || end < m_columns.front() ||
+           begin > m_columns.back();
+  }
+
  private:
-  const ViewState& m_view;
+  double m_zoom;
+  double m_offset;
   std::vector<int> m_columns;
   int m_imageBegin = 0;
   int m_imageEnd = 0;
@@ -74,10 +79,10 @@ class RowPainter {
       : m_image(workbench.m_srcImage),
         m_overlay(workbench.m_regionOverlay),
         m_columns(view, workbench.m_srcImage.cols),
-        m_rowBytes(static_cast<size_t>(view.viewWidth) * kChannels) {}
+        m_width(view.viewWidth) {}
 
   void Paint(int image_row, unsigned char* to) const {
-    std::memset(to, 0, m_rowBytes);
+    std::memset(to, 0, static_cast<size_t>(m_width) * kChannels);
     if (image_row >= 0 && image_row < m_image.rows) {
       PaintImage(m_image.ptr(image_row), to);
     }
@@ -95,22 +100,19 @@ class RowPainter {
   }
 
   void PaintChord(const vexo::chord& chord, unsigned char* to) const {
+    if (m_columns.Misses(chord.col_begin, chord.col_end)) return;
     const int begin = m_columns.FirstAtLeast(chord.col_begin);
-    int end = begin;
-    const int width = static_cast<int>(m_rowBytes) / kChannels;
-    end = chord.col_end == INT32_MAX
-              ? width
-              : m_columns.FirstAtLeast(chord.col_end + 1);
-    if (begin < end) {
-      FillPixels(to + begin * kChannels, end - begin,
-                 m_overlay[chord.label].color);
-    }
+    const int end = chord.col_end == INT32_MAX
+                        ? m_width
+                        : m_columns.FirstAtLeast(chord.col_end + 1);
+    FillPixels(to + begin * kChannels, end - begin,
+               m_overlay[chord.label].color);
   }
 
   const cv::Mat& m_image;
   const RegionOverlay& m_overlay;
   ColumnMap m_columns;
-  size_t m_rowBytes;
+  int m_width;
 };
 
 void PaintImageAndOverlay(const Workbench& workbench, const ViewState& view,
