@@ -89,8 +89,7 @@ void CMsgWindow::Draw(CDC* dc, const CRect& client) {
   CFont* old_font = dc->SelectObject(&title_font);
   dc->SetTextColor(kTitleColor);
   CRect title(kMarginPx, kMarginPx, client.right - kMarginPx, kTextTopPx);
-  dc->DrawText(m_title, title,
-               DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+  dc->DrawText(m_title, title, DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
   dc->SelectObject(old_font);
 
   dc->SetTextColor(kTextColor);

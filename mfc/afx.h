@@ -13,7 +13,8 @@
 #error "the stand-in is Unicode only: compile with UNICODE and _UNICODE"
 #endif
 
-// clang-format off: the system headers need this order.
+// The system headers need this order.
+// clang-format off
 #include <windows.h>
 #include <commctrl.h>
 #include <shellapi.h>

@@ -51,8 +51,8 @@ class CSpinButtonCtrl : public CWnd {
                    reinterpret_cast<LPARAM>(&high));
   }
   int SetPos(int position) {
-    return static_cast<short>(LOWORD(::SendMessageW(
-        m_hWnd, UDM_SETPOS, 0, MAKELPARAM(position, 0))));
+    return static_cast<short>(
+        LOWORD(::SendMessageW(m_hWnd, UDM_SETPOS, 0, MAKELPARAM(position, 0))));
   }
   int GetPos() const {
     return static_cast<int>(::SendMessageW(m_hWnd, UDM_GETPOS, 0, 0));

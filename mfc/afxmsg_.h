@@ -4,7 +4,7 @@
 //
 // An entry holds a plain function made from a lambda that captures nothing: it
 // unpacks the message, calls the member and stores the result. So no member
-// pointer is ever cast, and since the lambda stands inside a member of the
+// pointer is ever reinterpreted, and since the lambda stands inside a member of the
 // class it may call protected handlers.
 #pragma once
 
@@ -34,6 +34,8 @@ struct AFX_MSGMAP {
 constexpr UINT WM_CTLCOLOR = 0x0019;
 constexpr UINT WM_REFLECT_BASE = 0xBC00;
 
+// Read as a table.
+// clang-format off
 #define DECLARE_MESSAGE_MAP()                     \
  protected:                                       \
   static const AFX_MSGMAP* GetThisMessageMap();   \
@@ -44,7 +46,7 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
     return GetThisMessageMap();                                           \
   }                                                                       \
   const AFX_MSGMAP* the_class::GetThisMessageMap() {                      \
-    using ThisClass [[maybe_unused]] = the_class;                                          \
+    using ThisClass [[maybe_unused]] = the_class;                         \
     using TheBaseClass = base_class;                                      \
     static const AFX_MSGMAP_ENTRY entries[] = {
 
@@ -159,3 +161,4 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
           CDC::FromHandle(reinterpret_cast<HDC>(m.wParam)),               \
           m.message - WM_CTLCOLORMSGBOX));                                \
       return *result != 0 ? TRUE : FALSE)},
+// clang-format on

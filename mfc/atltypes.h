@@ -42,7 +42,9 @@ class CRect : public RECT {
   CSize Size() const { return {Width(), Height()}; }
   CPoint TopLeft() const { return {left, top}; }
   CPoint BottomRight() const { return {right, bottom}; }
-  CPoint CenterPoint() const { return {(left + right) / 2, (top + bottom) / 2}; }
+  CPoint CenterPoint() const {
+    return {(left + right) / 2, (top + bottom) / 2};
+  }
   BOOL IsRectEmpty() const { return ::IsRectEmpty(this); }
   BOOL PtInRect(POINT point) const { return ::PtInRect(this, point); }
   void SetRect(int l, int t, int r, int b) { *this = CRect(l, t, r, b); }

@@ -64,9 +64,8 @@ CString CListCtrl::GetItemText(int item, int sub_item) const {
   for (int size = 128;; size *= 2) {
     request.cchTextMax = size;
     request.pszText = text.GetBuffer(size);
-    const auto length = static_cast<int>(
-        ::SendMessageW(m_hWnd, LVM_GETITEMTEXTW, item,
-                       reinterpret_cast<LPARAM>(&request)));
+    const auto length = static_cast<int>(::SendMessageW(
+        m_hWnd, LVM_GETITEMTEXTW, item, reinterpret_cast<LPARAM>(&request)));
     if (length >= size - 1) continue;
     // The control may hand out its own text instead of filling the buffer.
     return CString(request.pszText, length);

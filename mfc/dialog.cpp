@@ -16,9 +16,33 @@ INT_PTR CALLBACK AfxDlgProc(HWND handle, UINT message, WPARAM w, LPARAM l) {
 
 int g_modalLoops = 0;
 
+class ModalLoopDepth {
+ public:
+  ModalLoopDepth() { ++g_modalLoops; }
+  ~ModalLoopDepth() { --g_modalLoops; }
+  ModalLoopDepth(const ModalLoopDepth&) = delete;
+  ModalLoopDepth& operator=(const ModalLoopDepth&) = delete;
+  bool IsOutermost() const { return g_modalLoops == 1; }
+};
+
+bool IsInput(UINT message) {
+  return (message >= WM_KEYFIRST && message <= WM_KEYLAST) ||
+         (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST);
+}
+
+// The common controls must have registered their classes before a template
+// names one.
+void RegisterCommonControls() {
+  static const bool done = [] {
+    const INITCOMMONCONTROLSEX all{sizeof(all), ICC_WIN95_CLASSES};
+    return ::InitCommonControlsEx(&all) != FALSE;
+  }();
+  static_cast<void>(done);
+}
+
 // The window whose input a modal dialog takes away.
 HWND OwnerFor(const CWnd* parent) {
-  const HWND window = parent != nullptr         ? parent->m_hWnd
+  const HWND window = parent != nullptr            ? parent->m_hWnd
                       : AfxGetMainWnd() != nullptr ? AfxGetMainWnd()->m_hWnd
                                                    : nullptr;
   return window != nullptr ? ::GetAncestor(window, GA_ROOT) : nullptr;
@@ -38,6 +62,7 @@ bool IsTranslatedOnTheWayUp(CWnd* dialog, MSG* message) {
 }  // namespace
 
 BOOL CDialog::CreateFromTemplate(HWND owner) {
+  RegisterCommonControls();
   AfxHookWindowCreate(this);
   const HWND handle = ::CreateDialogParamW(AfxGetResourceHandle(),
                                            MAKEINTRESOURCEW(m_nIDTemplate),
@@ -79,15 +104,15 @@ INT_PTR CDialog::DoModal() {
 }
 
 void CDialog::RunModalLoop() {
-  if (!m_hasEnded) {
+  if (!m_hasEnded && !IsWindowVisible()) {
     ::ShowWindow(m_hWnd, SW_SHOWNORMAL);
     ::UpdateWindow(m_hWnd);
   }
-  ++g_modalLoops;
+  const ModalLoopDepth depth;
   MSG message{};
   while (!m_hasEnded && ::IsWindow(m_hWnd)) {
     if (!::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-      if (g_modalLoops == 1) {
+      if (depth.IsOutermost()) {
         AfxLockTempMaps();
         AfxUnlockTempMaps(TRUE);
       }
@@ -103,7 +128,6 @@ void CDialog::RunModalLoop() {
     ::TranslateMessage(&message);
     ::DispatchMessageW(&message);
   }
-  --g_modalLoops;
 }
 
 void CDialog::EndDialog(int result) {
@@ -122,14 +146,10 @@ BOOL CDialog::OnInitDialog() {
 }
 
 BOOL CDialog::PreTranslateMessage(MSG* message) {
-  if (message->message < WM_KEYFIRST || message->message > WM_MOUSELAST) {
-    return FALSE;
-  }
-  return ::IsDialogMessageW(m_hWnd, message);
+  return IsInput(message->message) && ::IsDialogMessageW(m_hWnd, message);
 }
 
-BOOL CDialog::OnCmdMsg(UINT id, int code, const MSG& message,
-                       LRESULT* result) {
+BOOL CDialog::OnCmdMsg(UINT id, int code, const MSG& message, LRESULT* result) {
   if (CWnd::OnCmdMsg(id, code, message, result)) return TRUE;
   CWinApp* app = AfxGetApp();
   return app != nullptr ? app->OnCmdMsg(id, code, message, result) : FALSE;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "detail/dispatch.h"
 
-#include <exception>
-
 #include "detail/handle_maps.h"
 
 namespace {
@@ -23,42 +21,37 @@ class CurrentMessage {
   MSG m_saved;
 };
 
-// A standard exception in the clothes of the framework's.
+// A standard exception in the clothes of the framework's. Takes no memory of
+// its own: there may be none.
 class CStandardException : public CException {
  public:
-  explicit CStandardException(const char* what) : m_what(what) {}
+  explicit CStandardException(const std::exception& exception)
+      : m_exception(exception) {}
   BOOL GetErrorMessage(LPTSTR text, UINT size, UINT*) override {
     if (size == 0) return FALSE;
-    ::lstrcpynW(text, CString(m_what), static_cast<int>(size));
+    const int length = ::MultiByteToWideChar(CP_ACP, 0, m_exception.what(), -1,
+                                             text, static_cast<int>(size));
+    text[length > 0 ? length - 1 : size - 1] = 0;
     return TRUE;
   }
 
  private:
-  CStringA m_what;
+  const std::exception& m_exception;
 };
-
-LRESULT Report(CException* exception, const MSG& message) {
-  LRESULT result = 0;
-  if (CWinApp* app = AfxGetApp()) {
-    result = app->ProcessWndProcException(exception, &message);
-  } else {
-    exception->ReportError();
-  }
-  exception->Delete();
-  return result;
-}
 
 }  // namespace
 
-LRESULT AfxGuarded(const MSG& message,
-                   const std::function<LRESULT()>& handler) {
-  try {
-    return handler();
-  } catch (CException* exception) {
-    return Report(exception, message);
-  } catch (const std::exception& exception) {
-    return Report(new CStandardException(exception.what()), message);
-  }
+LRESULT AfxReportException(CException* exception, const MSG& message) {
+  CWinApp* app = AfxGetApp();
+  if (app != nullptr) return app->ProcessWndProcException(exception, &message);
+  exception->ReportError();
+  return 0;
+}
+
+LRESULT AfxReportException(const std::exception& exception,
+                           const MSG& message) {
+  CStandardException wrapped(exception);
+  return AfxReportException(&wrapped, message);
 }
 
 LRESULT AfxCallWndProc(CWnd* window, const MSG& message) {
@@ -131,7 +124,6 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM w, LPARAM l, LRESULT* result) {
 BOOL CWnd::OnCommand(WPARAM w, LPARAM l) {
   const UINT id = LOWORD(w);
   const HWND control = reinterpret_cast<HWND>(l);
-  // A disabled item's accelerator must not act, nor a reflected notification.
   LRESULT result = 0;
   if (control != nullptr && ReflectLastMsg(control, &result)) return TRUE;
   return OnCmdMsg(id, HIWORD(w), MSG{m_hWnd, WM_COMMAND, w, l, 0, {0, 0}},

@@ -93,13 +93,9 @@ BOOL CWnd::CreateEx(DWORD ex_style, LPCTSTR class_name, LPCTSTR text,
 BOOL CWnd::CreateEx(DWORD ex_style, LPCTSTR class_name, LPCTSTR text,
                     DWORD style, int x, int y, int width, int height,
                     HWND parent, HMENU id, LPVOID parameter) {
-  CREATESTRUCT request{parameter, AfxGetInstanceHandle(),
-                       id,        parent,
-                       height,    width,
-                       y,         x,
-                       static_cast<LONG>(style),
-                       text,      class_name,
-                       ex_style};
+  CREATESTRUCT request{
+      parameter, AfxGetInstanceHandle(),   id,   parent,     height,  width, y,
+      x,         static_cast<LONG>(style), text, class_name, ex_style};
   if (!PreCreateWindow(request)) {
     PostNcDestroy();
     return FALSE;
@@ -131,8 +127,8 @@ BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
 }
 
 HWND CWnd::UnsubclassWindow() {
-  const auto current = reinterpret_cast<WNDPROC>(
-      ::GetWindowLongPtrW(m_hWnd, GWLP_WNDPROC));
+  const auto current =
+      reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(m_hWnd, GWLP_WNDPROC));
   if (current == AfxWndProc && m_pfnSuper != nullptr) {
     ::SetWindowLongPtrW(m_hWnd, GWLP_WNDPROC,
                         reinterpret_cast<LONG_PTR>(m_pfnSuper));
@@ -189,8 +185,7 @@ DWORD CWnd::GetExStyle() const {
 // FALSE if nothing changes.
 static BOOL ChangeStyle(HWND handle, int index, DWORD remove, DWORD add,
                         UINT position_flags) {
-  const auto old_style =
-      static_cast<DWORD>(::GetWindowLongPtrW(handle, index));
+  const auto old_style = static_cast<DWORD>(::GetWindowLongPtrW(handle, index));
   const DWORD new_style = (old_style & ~remove) | add;
   if (new_style == old_style) return FALSE;
   ::SetWindowLongPtrW(handle, index, static_cast<LONG_PTR>(new_style));
@@ -223,8 +218,8 @@ BOOL CWnd::SetWindowPos(const CWnd* after, int x, int y, int width, int height,
 
 void CWnd::CenterWindow(CWnd* other) {
   RECT area{};
-  const HWND owner = other != nullptr ? other->m_hWnd
-                                      : ::GetWindow(m_hWnd, GW_OWNER);
+  const HWND owner =
+      other != nullptr ? other->m_hWnd : ::GetWindow(m_hWnd, GW_OWNER);
   if (owner != nullptr && ::IsWindowVisible(owner) && !::IsIconic(owner)) {
     ::GetWindowRect(owner, &area);
   } else {

@@ -3,7 +3,7 @@
 // How messages reach objects: shared by the window sources of this folder.
 #pragma once
 
-#include <functional>
+#include <exception>
 
 #include "../afxwin.h"
 
@@ -15,6 +15,21 @@ LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM w, LPARAM l);
 void AfxHookWindowCreate(CWnd* window);
 bool AfxUnhookWindowCreate();
 
-// Runs a handler; what it throws goes to CWinApp::ProcessWndProcException and
-// never into the system's frames below.
-LRESULT AfxGuarded(const MSG& message, const std::function<LRESULT()>& handler);
+// Hand over to CWinApp::ProcessWndProcException().
+LRESULT AfxReportException(CException* exception, const MSG& message);
+LRESULT AfxReportException(const std::exception& exception, const MSG& message);
+
+// Runs a handler; what it throws is reported and never unwinds the system's
+// frames below.
+template <typename Handler>
+LRESULT AfxGuarded(const MSG& message, Handler handler) {
+  try {
+    return handler();
+  } catch (CException* exception) {
+    const LRESULT result = AfxReportException(exception, message);
+    exception->Delete();
+    return result;
+  } catch (const std::exception& exception) {
+    return AfxReportException(exception, message);
+  }
+}

@@ -13,8 +13,7 @@ class CCmdTarget : public CObject {
  public:
   // Looks for a WM_COMMAND or WM_NOTIFY entry in the map of this class and its
   // bases.
-  virtual BOOL OnCmdMsg(UINT id, int code, const MSG& message,
-                        LRESULT* result);
+  virtual BOOL OnCmdMsg(UINT id, int code, const MSG& message, LRESULT* result);
 
   static const AFX_MSGMAP* GetThisMessageMap() { return nullptr; }
 
@@ -147,7 +146,9 @@ class CWnd : public CCmdTarget {
   }
   static CWnd* GetDesktopWindow() { return FromHandle(::GetDesktopWindow()); }
   int GetDlgCtrlID() const { return ::GetDlgCtrlID(m_hWnd); }
-  CWnd* GetDlgItem(int id) const { return FromHandle(::GetDlgItem(m_hWnd, id)); }
+  CWnd* GetDlgItem(int id) const {
+    return FromHandle(::GetDlgItem(m_hWnd, id));
+  }
   void SetDlgItemText(int id, LPCTSTR text) {
     ::SetDlgItemTextW(m_hWnd, id, text);
   }

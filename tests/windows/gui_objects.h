@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // Graphics objects alive in this process.
 inline size_t LiveGdiObjects() {
@@ -16,9 +17,11 @@ inline size_t LiveGdiObjects() {
   // entries of 24 bytes, byte 14 the type, 0 for a free entry.
   constexpr size_t kTablePointerInPeb = 0xF8;
   constexpr size_t kEntries = 16384, kEntryBytes = 24, kTypeOffset = 14;
-  const auto peb = static_cast<uintptr_t>(__readgsqword(0x60));
-  const auto* table =
-      *reinterpret_cast<const uint8_t* const*>(peb + kTablePointerInPeb);
+  using CurrentPeb = const uint8_t*(WINAPI*)();
+  const auto current_peb = reinterpret_cast<CurrentPeb>(reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+  const uint8_t* table = nullptr;
+  std::memcpy(&table, current_peb() + kTablePointerInPeb, sizeof(table));
   size_t live = 0;
   for (size_t i = 0; i < kEntries; ++i) {
     if (table[i * kEntryBytes + kTypeOffset] != 0) ++live;
