@@ -15,6 +15,7 @@
 # exit code is 0 only when nothing failed.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/setup/common.sh"
+. "$setup_root/setup/build.sh"
 . "$setup_root/setup/display.sh"
 
 usage() { sed -n '/^#   \.\//,/^$/ s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"; }
@@ -37,26 +38,6 @@ mkdir -p build
 # A launcher or flags left in the caller's environment are the caller's wish;
 # CTest's own settings are not.
 unset CTEST_OUTPUT_ON_FAILURE CTEST_PARALLEL_LEVEL GTEST_FILTER GTEST_OUTPUT
-
-# build_preset PRESET: a tree that was configured for another place or another
-# set of Windows libraries is configured anew.
-build_preset() {
-  local preset=$1 cache=build/$1/CMakeCache.txt log=build/$1.log
-  if [ -e "$cache" ]; then
-    grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$setup_root" "$cache" &&
-      { [ "$preset" != windows ] ||
-        grep -qxF "RENDAL_WINDOWS_PREFIX:PATH=$RENDAL_WINDOWS_PREFIX" \
-          "$cache"; } ||
-      rm -rf -- "build/$preset"
-  fi
-  : >"$log"
-  logged "$log" cmake --preset "$preset"
-  if [ -t 1 ]; then
-    cmake --build --preset "$preset" || fail "the build of $preset failed"
-  else
-    logged "$log" cmake --build --preset "$preset"
-  fi
-}
 
 # run_preset PRESET: runs the tests and writes "passed failed" to
 # build/PRESET.count. Whatever did not pass has failed: a test that was skipped

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+//
+// Works a running Rendal.exe from outside, as an operator does: finds its
+// window, presses its buttons, answers its file-open dialog, reads its labels,
+// its region list and its console. Everything goes by window messages, so no
+// keyboard focus and no screen coordinates are involved.
+//
+// What does not come true within its time is thrown as std::runtime_error with
+// a text that says what was waited for and what was seen instead.
+#ifndef RENDAL_TESTS_WINDOWS_OPERATOR_H_
+#define RENDAL_TESTS_WINDOWS_OPERATOR_H_
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace rendal_test {
+
+constexpr int kPatienceMs = 20'000;
+
+std::string Utf8(const std::wstring& text);
+std::wstring Wide(const std::string& utf8);
+
+// Returns when `condition` holds; throws "<what>: not within ... s" otherwise.
+void WaitUntil(const std::string& what, const std::function<bool()>& condition,
+               int patience_ms = kPatienceMs);
+
+// The visible top-level windows of one process.
+std::vector<HWND> TopWindows(DWORD process_id);
+
+// A process that is started with nothing on its standard streams, as by a
+// double click, and ended with this object if it has not ended itself.
+class Process {
+ public:
+  Process(const std::wstring& program,
+          const std::vector<std::wstring>& arguments);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  DWORD id() const { return information_.dwProcessId; }
+  bool HasEnded() const;
+  // Waits for the end.
+  DWORD ExitCode();
+
+ private:
+  PROCESS_INFORMATION information_ = {};
+};
+
+// The main window of a running program.
+class Operator {
+ public:
+  // Waits for the main window of the process; 0: of the first that shows up.
+  explicit Operator(DWORD process_id = 0);
+
+  HWND dialog() const { return dialog_; }
+  DWORD process_id() const { return process_id_; }
+  HWND Control(int id) const;
+
+  std::wstring Caption() const;
+  std::wstring TextOf(int id) const;
+  std::wstring Status() const;
+  // Posts a click; returns without waiting for what the button does.
+  void Press(int id) const;
+  // Sets a spin's position; its edit follows.
+  void SetSpin(int id, int position) const;
+  int SpinPosition(int id) const;
+
+  // Clear display: empties the status label, so that the next message is seen
+  // to be new.
+  void ClearStatus() const;
+  // Presses a button and returns the message that it leaves in the status
+  // label.
+  std::wstring StatusAfter(int button_id) const;
+  // Load image: presses the button, enters the path in the file-open dialog,
+  // presses Open. Returns the status.
+  std::wstring Load(const std::wstring& path) const;
+  // The file-open dialog, which must be showing.
+  HWND WaitForFileDialog() const;
+
+  // The region list, cells by row and column; and its column titles.
+  std::vector<std::vector<std::wstring>> Rows() const;
+  std::vector<std::wstring> ColumnTitles() const;
+
+  // What the diagnostic console shows, without trailing blanks.
+  std::wstring ConsoleText() const;
+  // Empties the console, as its button does.
+  void ClearConsole() const;
+
+  // Closes the welcome window if it shows.
+  void DismissWelcome() const;
+  // Closes the main window and with it the program.
+  void Close() const;
+
+ private:
+  DWORD process_id_ = 0;
+  HWND dialog_ = nullptr;
+};
+
+}  // namespace rendal_test
+
+#endif  // RENDAL_TESTS_WINDOWS_OPERATOR_H_
