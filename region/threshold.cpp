@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+
 #include "region/internal/memory.h"
 #include "region/internal/parallel.h"
+#include "region/internal/row_scan.h"
 #include "region/operations.h"
 
 namespace vexo {
@@ -8,79 +11,54 @@ namespace {
 
 using internal::buffer;
 using internal::row_bands;
+using internal::row_scan;
+using internal::scan_input;
 
-// One entry a grey value: whether it lies in the band.
-struct band_table {
-  bool inside[256];
+// Pixels below which a band is not worth a thread.
+constexpr size_t kBandPixels = size_t{1} << 17;
 
-  band_table(int min, int max) {
-    for (int g = 0; g < 256; ++g) inside[g] = min <= g && g <= max;
-  }
-};
-
-struct image_view {
-  const unsigned char* pixels;
-  int width;
-  int height;
-
-  const unsigned char* row(int r) const {
-    return pixels + static_cast<size_t>(r) * static_cast<size_t>(width);
-  }
-};
-
-// Calls emit(begin, end) for the runs of one row, from left to right.
-template <class Emit>
-void scan_row(const unsigned char* row, int width, const band_table& table,
-              Emit emit) {
-  bool inside = false;
-  int begin = 0;
-  for (int c = 0; c < width; ++c) {
-    const bool now = table.inside[row[c]];
-    if (now == inside) continue;
-    if (inside) emit(begin, c - 1);
-    begin = c;
-    inside = now;
-  }
-  if (inside) emit(begin, width - 1);
+// The whole image, or no rows of it when no pixel can be inside.
+scan_input input_of(const unsigned char* image, int width, int height, int min,
+                    int max) {
+  const bool empty = image == nullptr || width < 1 || height < 1 || min > max ||
+                     max < 0 || min > 255;
+  return {image,
+          static_cast<size_t>(std::max(width, 0)),
+          0,
+          empty ? 0 : height,
+          static_cast<uint8_t>(std::clamp(min, 0, 255)),
+          static_cast<uint8_t>(std::clamp(max, 0, 255))};
 }
 
-size_t count_runs(const image_view& image, int first, int last,
-                  const band_table& table) {
-  size_t n = 0;
-  for (int r = first; r < last; ++r) {
-    scan_row(image.row(r), image.width, table, [&](int, int) { ++n; });
-  }
-  return n;
+scan_input band_of(const scan_input& image, const row_bands& bands,
+                   size_t band) {
+  scan_input part = image;
+  part.first_row = bands.begin(static_cast<int>(band));
+  part.last_row = bands.end(static_cast<int>(band));
+  part.pixels += static_cast<size_t>(part.first_row) * image.width;
+  return part;
 }
 
-// Both forms in two passes: the first counts the runs of every band, so that
-// the second writes each run to its final place.
+// Two passes: the first counts the runs of every band, so that the second
+// writes each run to its final place.
 //
-// make_room(total) prepares the result; write(i, row, begin, end) stores run i.
+// make_room(total) prepares the result; write(band, i) writes the runs of the
+// band from run i on.
 template <class MakeRoom, class Write>
-void extract(const image_view& image, int min, int max, MakeRoom make_room,
-             Write write) {
-  const band_table table(min, max);
-  const row_bands bands(image.height);
-  buffer<size_t> offsets(bands.count() + 1);
-  internal::parallel_for(bands.count(), [&](size_t b) {
-    offsets[b + 1] = count_runs(image, bands.begin(b), bands.end(b), table);
+void extract(const scan_input& image, MakeRoom make_room, Write write) {
+  const size_t worth = image.rows() * image.width / kBandPixels;
+  const row_bands bands(image.last_row, worth);
+  const auto n = static_cast<size_t>(bands.count());
+  buffer<size_t> offsets(n + 1);
+  const row_scan& scan = internal::current_row_scan();
+  internal::parallel_for(n, [&](size_t b) {
+    offsets[b + 1] = scan.count(band_of(image, bands, b));
   });
   offsets[0] = 0;
-  for (int b = 0; b < bands.count(); ++b) offsets[b + 1] += offsets[b];
-  make_room(offsets[bands.count()]);
-  internal::parallel_for(bands.count(), [&](size_t b) {
-    size_t i = offsets[b];
-    for (int r = bands.begin(b); r < bands.end(b); ++r) {
-      scan_row(image.row(r), image.width, table,
-               [&](int begin, int end) { write(i++, r, begin, end); });
-    }
-  });
-}
-
-image_view view_of(const unsigned char* image, int width, int height) {
-  const bool empty = image == nullptr || width < 1 || height < 1;
-  return empty ? image_view{image, 0, 0} : image_view{image, width, height};
+  for (size_t b = 0; b < n; ++b) offsets[b + 1] += offsets[b];
+  make_room(offsets[n]);
+  internal::parallel_for(
+      n, [&](size_t b) { write(band_of(image, bands, b), offsets[b]); });
 }
 
 void set_image(region* result, int width, int height) {
@@ -94,10 +72,10 @@ void set_image(region* result, int width, int height) {
 void threshold(unsigned char* image, int width, int height, int min, int max,
                region* result) {
   extract(
-      view_of(image, width, height), min, max,
+      input_of(image, width, height, min, max),
       [&](size_t total) { internal::resize_chords(result, total); },
-      [&](size_t i, int row, int begin, int end) {
-        result->chords[i] = {begin, end, row, 0};
+      [&](const scan_input& band, size_t i) {
+        internal::current_row_scan().to_chords(band, result->chords + i);
       });
   set_image(result, width, height);
 }
@@ -106,12 +84,12 @@ void threshold_y(unsigned char* image, int width, int height, int min, int max,
                  region* result) {
   size_t runs = 0;
   extract(
-      view_of(image, width, height), min, max,
+      input_of(image, width, height, min, max),
       [&](size_t total) { result->reserve(runs = total); },
-      [&](size_t i, int row, int begin, int end) {
-        result->rows[i] = row;
-        result->col_begins[i] = begin;
-        result->col_ends[i] = end;
+      [&](const scan_input& band, size_t i) {
+        internal::current_row_scan().to_runs(
+            band,
+            {result->rows + i, result->col_begins + i, result->col_ends + i});
       });
   result->run_count = runs;
   set_image(result, width, height);

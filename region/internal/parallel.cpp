@@ -37,8 +37,12 @@ void dispatch(size_t count, task_function run, void* context) {
   runtime::parallel_for(size_t{0}, count, [=](size_t i) { run(context, i); });
 }
 
-row_bands::row_bands(int height)
+row_bands::row_bands(int height, size_t worth)
     : height_(std::max(height, 0)),
-      count_(std::clamp(height_ / 8, 1, thread_count())) {}
+      count_(std::clamp(height_ / 8, 1, thread_count())) {
+  if (worth < static_cast<size_t>(count_)) {
+    count_ = std::max(1, static_cast<int>(worth));
+  }
+}
 
 }  // namespace vexo::internal

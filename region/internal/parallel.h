@@ -162,11 +162,12 @@ void parallel_sort(Iterator first, Iterator last, Less less) {
 }
 
 // How an image's rows are split into bands: at least 8 rows a band on average,
-// no more bands than threads, the first ones a row higher when it does not come
-// out even.
+// no more bands than threads or than `worth`, the first ones a row higher when
+// it does not come out even.
 class row_bands {
  public:
-  explicit row_bands(int height);
+  explicit row_bands(int height,
+                     size_t worth = std::numeric_limits<size_t>::max());
   int count() const { return count_; }
   int begin(int band) const {
     return band * (height_ / count_) + std::min(band, height_ % count_);

@@ -6,11 +6,13 @@
 #include "pictures.h"
 #include "random_regions.h"
 #include "region/internal/parallel.h"
+#include "region/internal/row_scan.h"
 #include "region/operations.h"
 
 namespace {
 
 using vexo::region;
+using vexo::internal::vector_level;
 using vexo_test::chords_of;
 using vexo_test::Picture;
 using vexo_test::Random;
@@ -52,9 +54,15 @@ Runs oracle(Image& image, int min, int max) {
   return vexo_test::runs_in(p);
 }
 
+constexpr vector_level kLevels[] = {vector_level::kPlain, vector_level::kAvx2,
+                                    vector_level::kAvx512};
+
 class Threshold : public testing::TestWithParam<Form> {
  protected:
-  ~Threshold() override { vexo::internal::set_thread_limit(0); }
+  ~Threshold() override {
+    vexo::internal::set_thread_limit(0);
+    vexo::internal::set_vector_limit(vector_level::kAvx512);
+  }
 };
 
 TEST_P(Threshold, MinAboveMaxGivesNoRuns) {
@@ -112,8 +120,36 @@ TEST_P(Threshold, AgreesWithPixelOracle) {
         image.at(r, c) = static_cast<unsigned char>(value);
       }
     }
-    vexo::internal::set_thread_limit(random.between(1, 9));
-    ASSERT_EQ(run(GetParam(), image, min, max), oracle(image, min, max));
+    const Runs expected = oracle(image, min, max);
+    for (vector_level level : kLevels) {
+      vexo::internal::set_vector_limit(level);
+      ASSERT_EQ(run(GetParam(), image, min, max), expected);
+    }
+  }
+}
+
+// Wide enough for several words a row, large enough for several threads.
+TEST_P(Threshold, LargeImagesAgreeForEveryVectorWidthAndThreadCount) {
+  for (int width : {63, 64, 65, 511, 512, 513, 4000, 17000}) {
+    SCOPED_TRACE(width);
+    Image image(width, 3000000 / width);
+    Random random(static_cast<uint64_t>(width));
+    for (size_t i = 0; i < image.pixels.size();) {
+      const int value = random.between(0, 255);
+      for (int n = random.between(1, 90); n > 0; --n) {
+        if (i < image.pixels.size()) {
+          image.pixels[i++] = static_cast<unsigned char>(value);
+        }
+      }
+    }
+    const Runs expected = oracle(image, 100, 180);
+    for (vector_level level : kLevels) {
+      vexo::internal::set_vector_limit(level);
+      for (int threads : {1, 2, 7}) {
+        vexo::internal::set_thread_limit(threads);
+        ASSERT_TRUE(run(GetParam(), image, 100, 180) == expected);
+      }
+    }
   }
 }
 
