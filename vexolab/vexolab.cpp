@@ -11,13 +11,20 @@
 #include <utility>
 #include <vector>
 
+#include "vexolab/edges.h"
 #include "vexolab/fit.h"
+#include "vexolab/frame.h"
+#include "vexolab/measure.h"
 #include "vexolab/memory.h"
 #include "vexolab/rectangles.h"
 
 namespace {
 
 constexpr double kLargestNumber = 1e7;
+
+// Below, smoothing does nothing; above, it costs time and finds nothing.
+constexpr double kSmallestSigma = 0.4;
+constexpr double kLargestSigma = 100;
 
 bool usable(std::initializer_list<double> values) {
   return std::all_of(values.begin(), values.end(), [](double value) {
@@ -49,6 +56,20 @@ int hand_out(T** data, int* count, int per_item, Fill fill) noexcept {
     *count = n;
     return id;
   });
+}
+
+// Checks what both measurements share; 0 or a code.
+int check(const vexolab::image& picture, double sigma, double amplitude) {
+  if (!picture.data || picture.width < 2 || picture.height < 2) {
+    return VEXOLAB_E_ARGUMENT;
+  }
+  if (!usable({sigma, amplitude})) return VEXOLAB_E_NUMBER;
+  return sigma > 0 ? 0 : VEXOLAB_E_ARGUMENT;
+}
+
+vexolab::detection detection_of(double sigma, double amplitude) {
+  return {std::clamp(sigma, kSmallestSigma, kLargestSigma),
+          std::max(amplitude, 0.0)};
 }
 
 int doubles_of(int shape) {
@@ -114,6 +135,43 @@ void ppw_to_rr(double x1, double y1, double x2, double y2, double width,
   std::fill_n(rectangle, 5, 0.0f);
   if (!usable({x1, y1, x2, y2, width})) return;
   vexolab::rectangle_between(x1, y1, x2, y2, width, rectangle);
+}
+
+int do_measure(const unsigned char* image, int width, int height, double sigma,
+               double amplitude, const char* selection, const float* rectangles,
+               int rectangle_count, double** points, int* n) {
+  if (!points || !n) return VEXOLAB_E_ARGUMENT;
+  return hand_out(points, n, 2, [&](std::vector<double>* out) -> int {
+    const vexolab::image picture = {image, width, height};
+    if (const int code = check(picture, sigma, amplitude)) return code;
+    vexolab::selection which;
+    if (!vexolab::parse_selection(selection, &which) || rectangle_count < 0 ||
+        (!rectangles && rectangle_count > 0)) {
+      return VEXOLAB_E_ARGUMENT;
+    }
+    if (rectangle_count > VEXOLAB_MAX_RECTANGLES) return VEXOLAB_E_LIMIT;
+    vexolab::measure_rectangles(picture, detection_of(sigma, amplitude), which,
+                                rectangles, rectangle_count, out);
+    return 0;
+  });
+}
+
+int measure_pos_d(double x, double y, double phi, double l1, double l2,
+                  const unsigned char* image, int width, int height,
+                  double sigma, double amplitude, double** points, int* count) {
+  if (!points || !count) return VEXOLAB_E_ARGUMENT;
+  return hand_out(points, count, 1, [&](std::vector<double>* out) -> int {
+    const vexolab::image picture = {image, width, height};
+    if (const int code = check(picture, sigma, amplitude)) return code;
+    if (!usable({x, y, phi, l1, l2})) return VEXOLAB_E_NUMBER;
+    if (!(l1 > 0) || !(l2 >= 0)) return VEXOLAB_E_ARGUMENT;
+    if (l1 > VEXOLAB_MAX_HALF_LENGTH || l2 > VEXOLAB_MAX_HALF_LENGTH) {
+      return VEXOLAB_E_LIMIT;
+    }
+    vexolab::measure_all_edges(picture, detection_of(sigma, amplitude),
+                               vexolab::frame_of(x, y, phi, l1, l2), out);
+    return 0;
+  });
 }
 
 int do_fit(const double* points, int n, int shape, int method, float factor,

@@ -63,11 +63,9 @@ enum {
   VEXOLAB_E_LIMIT = -6       /* more than VEXOLAB_MAX_... */
 };
 
-enum {
-  VEXOLAB_MAX_RECTANGLES = 10000,
-  VEXOLAB_MAX_HALF_LENGTH = 20000, /* of a rectangle, px */
-  VEXOLAB_MAX_POINTS = 1000000
-};
+#define VEXOLAB_MAX_RECTANGLES 10000
+#define VEXOLAB_MAX_HALF_LENGTH 20000 /* of a rectangle, px */
+#define VEXOLAB_MAX_POINTS 1000000
 
 /* Shapes of do_fit. */
 enum { VEXOLAB_LINE = 0, VEXOLAB_CIRCLE = 1, VEXOLAB_ELLIPSE = 2 };

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+#include "vexolab/profile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace vexolab {
+namespace {
+
+// Coordinates along a line in 32.32 fixed point: the whole part by a shift, the
+// same value for a sample however the line is cut.
+constexpr double kFixedOne = 4294967296.0;
+constexpr float kFraction = 1.0f / 16777216.0f;
+
+int64_t to_fixed(double value) {
+  return static_cast<int64_t>(std::floor(value * kFixedOne));
+}
+
+struct interval {
+  double low;
+  double high;
+};
+
+interval intersection(const interval& a, const interval& b) {
+  return {std::max(a.low, b.low), std::min(a.high, b.high)};
+}
+
+// The t with 0 <= start + t * slope <= last.
+interval inside(double start, double slope, double last) {
+  if (std::fabs(slope) < 1e-12) {
+    if (start >= 0 && start <= last) return {-1e9, 1e9};
+    return {1, 0};
+  }
+  const double a = -start / slope;
+  const double b = (last - start) / slope;
+  return {std::min(a, b), std::max(a, b)};
+}
+
+// Range of the corners' coordinate that `coordinate` computes.
+template <typename Coordinate>
+interval range_of_corners(const image& picture, Coordinate coordinate) {
+  const double right = picture.width - 1;
+  const double bottom = picture.height - 1;
+  const double corners[] = {coordinate(0.0, 0.0), coordinate(right, 0.0),
+                            coordinate(0.0, bottom), coordinate(right, bottom)};
+  const auto [low, high] = std::minmax_element(corners, corners + 4);
+  return {*low, *high};
+}
+
+struct line_walk {
+  int64_t x;
+  int64_t y;
+  int64_t step_x;
+  int64_t step_y;
+};
+
+bool in_image(const image& picture, int64_t x, int64_t y) {
+  const int64_t last_x = static_cast<int64_t>(picture.width - 1) << 32;
+  const int64_t last_y = static_cast<int64_t>(picture.height - 1) << 32;
+  return x >= 0 && y >= 0 && x <= last_x && y <= last_y;
+}
+
+// Adds the bilinear samples of n steps, all inside the image.
+void add_samples(const image& picture, line_walk w, int n, float* sums) {
+  const int last_x = picture.width - 2;
+  const int last_y = picture.height - 2;
+  for (int k = 0; k < n; ++k) {
+    const int x = std::min(static_cast<int>(w.x >> 32), last_x);
+    const int y = std::min(static_cast<int>(w.y >> 32), last_y);
+    const auto rest_x = w.x - (static_cast<int64_t>(x) << 32);
+    const auto rest_y = w.y - (static_cast<int64_t>(y) << 32);
+    const float fx =
+        static_cast<float>(static_cast<int>(rest_x >> 8)) * kFraction;
+    const float fy =
+        static_cast<float>(static_cast<int>(rest_y >> 8)) * kFraction;
+    const unsigned char* p =
+        picture.data + static_cast<ptrdiff_t>(y) * picture.width + x;
+    const int p00 = p[0];
+    const int p01 = p[1];
+    const int p10 = p[picture.width];
+    const int p11 = p[picture.width + 1];
+    const float top =
+        static_cast<float>(p00) + fx * static_cast<float>(p01 - p00);
+    const float bottom =
+        static_cast<float>(p10) + fx * static_cast<float>(p11 - p10);
+    sums[k] += top + fy * (bottom - top);
+    w.x += w.step_x;
+    w.y += w.step_y;
+  }
+}
+
+}  // namespace
+
+void profile::sample(const image& picture, const frame& f, double curvature) {
+  size_ = 0;
+  const int length = static_cast<int>(std::floor(2 * f.half_length + 1e-6)) + 1;
+  const double width = 2 * f.half_width;
+  lines_ = std::max(1, static_cast<int>(std::lround(width)));
+  first_u_ = -0.5 * (length - 1);
+  const double spacing = width / lines_;
+  const double first_v = -0.5 * spacing * (lines_ - 1);
+
+  // Only what can meet the image is visited, however large the rectangle.
+  const double bend = std::fabs(sagitta(curvature, f.half_width));
+  const interval us = range_of_corners(
+      picture, [&](double x, double y) { return f.u_of(x, y); });
+  const interval vs = range_of_corners(
+      picture, [&](double x, double y) { return f.v_of(x, y); });
+  const auto position = [](double value, int last) {
+    return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(last)));
+  };
+  begin_ = position(std::floor(us.low - bend - first_u_), length);
+  end_ = position(std::ceil(us.high + bend - first_u_) + 1, length);
+  int first_line = 0;
+  int last_line = lines_;
+  if (lines_ > 1) {
+    first_line = position(std::floor((vs.low - first_v) / spacing), lines_);
+    last_line = position(std::ceil((vs.high - first_v) / spacing) + 1, lines_);
+  }
+  if (end_ <= begin_ || 2 * (last_line - first_line) < lines_) return;
+
+  const auto n = static_cast<size_t>(end_ - begin_);
+  sums_.assign(n, 0.0f);
+  counts_.assign(n + 1, 0);
+  for (int j = first_line; j < last_line; ++j) {
+    const double v = first_v + j * spacing;
+    add_line(picture, f, v, sagitta(curvature, v));
+  }
+  int begin = 0;
+  int count = 0;
+  // counts_ holds the steps of the number of samples; at least half of the
+  // lines make a position valid. Lines enter and leave a convex image, so the
+  // valid positions are one interval.
+  int end = 0;
+  bool open = false;
+  for (int k = 0; k < static_cast<int>(n); ++k) {
+    count += counts_[static_cast<size_t>(k)];
+    counts_[static_cast<size_t>(k)] = count;
+    if (2 * count >= lines_) {
+      if (!open) begin = k;
+      open = true;
+      end = k + 1;
+    } else if (open) {
+      break;
+    }
+  }
+  keep_valid_interval(begin, end);
+}
+
+void profile::add_line(const image& picture, const frame& f, double v,
+                       double shift) {
+  const double u0 = first_u_ + begin_ + shift;
+  const double x0 = f.image_x(u0, v);
+  const double y0 = f.image_y(u0, v);
+  const interval all = {0.0, static_cast<double>(end_ - begin_ - 1)};
+  const interval k =
+      intersection(all, intersection(inside(x0, f.cos, picture.width - 1),
+                                     inside(y0, -f.sin, picture.height - 1)));
+  if (!(k.low <= k.high)) return;
+  // One step wider than computed, then cut by the very coordinates used.
+  int first = static_cast<int>(std::floor(k.low));
+  int last = static_cast<int>(std::ceil(k.high));
+  const line_walk start = {to_fixed(x0), to_fixed(y0), to_fixed(f.cos),
+                           to_fixed(-f.sin)};
+  const auto inside_at = [&](int i) {
+    return in_image(picture, start.x + i * start.step_x,
+                    start.y + i * start.step_y);
+  };
+  while (first <= last && !inside_at(first)) ++first;
+  while (last > first && !inside_at(last)) --last;
+  if (first > last) return;
+  add_samples(picture,
+              {start.x + first * start.step_x, start.y + first * start.step_y,
+               start.step_x, start.step_y},
+              last - first + 1, sums_.data() + first);
+  ++counts_[static_cast<size_t>(first)];
+  --counts_[static_cast<size_t>(last) + 1];
+}
+
+void profile::keep_valid_interval(int begin, int end) {
+  size_ = end - begin;
+  first_u_ += begin_ + begin;
+  values_.resize(static_cast<size_t>(size_));
+  for (int k = 0; k < size_; ++k) {
+    const auto from = static_cast<size_t>(begin + k);
+    values_[static_cast<size_t>(k)] =
+        sums_[from] / static_cast<float>(counts_[from]);
+  }
+}
+
+gaussian_kernel::gaussian_kernel(double sigma)
+    : sigma_(sigma), radius_(static_cast<int>(std::ceil(4 * sigma))) {
+  double sum = 0;
+  for (int i = -radius_; i <= radius_; ++i) {
+    sum += std::exp(-0.5 * i * i / (sigma * sigma));
+  }
+  for (int i = 0; i <= radius_; ++i) {
+    weights_.push_back(
+        static_cast<float>(std::exp(-0.5 * i * i / (sigma * sigma)) / sum));
+  }
+}
+
+void derivative::compute(const profile& p, const gaussian_kernel& kernel) {
+  size_ = std::max(p.size() - 1, 0);
+  const int r = std::min(kernel.radius(), size_);
+  const auto n = static_cast<size_t>(size_);
+  differences_.assign(n + 2 * static_cast<size_t>(r), 0.0f);
+  for (int i = 0; i < size_; ++i) {
+    differences_[static_cast<size_t>(i + r)] =
+        p.values()[i + 1] - p.values()[i];
+  }
+  values_.assign(n, 0.0f);
+  for (int offset = -r; offset <= r; ++offset) {
+    const float weight = kernel[offset];
+    const float* from = differences_.data() + r + offset;
+    for (size_t i = 0; i < n; ++i) values_[i] += weight * from[i];
+  }
+}
+
+}  // namespace vexolab
