@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace vexolab {
 namespace {
@@ -27,8 +28,12 @@ constexpr double kRise = 0.25;
 
 constexpr int kMaxIterations = 8;
 
-// Grey levels are rounded to whole numbers: the noise is never below that.
+// Grey levels are rounded to whole numbers: the noise is never below that. It
+// is no white noise: without another noise of half a grey level to shake it,
+// all rows along an edge on the lattice are rounded alike.
 constexpr double kRoundingVariance = 1.0 / 12.0;
+constexpr double kShakenVariance = 0.25;
+constexpr double kSlipsToShake = 20;  // per pixel of slip
 
 // The fourth cumulant of a unit square projected on a direction, over 24.
 double square_kurtosis(const frame& f) {
@@ -37,11 +42,17 @@ double square_kurtosis(const frame& f) {
   return -(c2 * c2 + s2 * s2) / (120.0 * 24.0);
 }
 
-struct fit_state {
-  step_model model;
-  strip_bounds bounds;
-  bool with_tilt;
-};
+// What is to be added to the variance of a pixel's noise because the rows of
+// the strip are rounded alike: all of it when the edge runs along a row, a
+// column or a diagonal, little when it slips across the lattice.
+double rounding_alike(const frame& f, double half_width, double noise) {
+  const double width = 2 * half_width;
+  const double low = std::min(std::fabs(f.cos), std::fabs(f.sin));
+  const double high = std::max(std::fabs(f.cos), std::fabs(f.sin));
+  const double slope = std::min(low, (high - low) * std::numbers::sqrt2 / 2);
+  return std::max(kShakenVariance - noise, 0.0) * width /
+         (1 + kSlipsToShake * slope * width);
+}
 
 template <size_t N>
 void take_out_tilt(normal_equations<N>* e) {
@@ -232,7 +243,8 @@ location locator::locate(const image& picture, const frame& f, const profile& p,
       std::max(1.0, static_cast<double>(strip_.size()) - 8.0);
   const double noise = std::max(remaining / freedom, kRoundingVariance);
   const double scale = -m.blur / m.step;
-  const double scale2 = scale * scale * noise;
+  const double scale2 =
+      scale * scale * (noise + rounding_alike(f, bounds.half_width, noise));
 
   const double blur = m.blur;
   move(backward<kCoreUnknowns>(e.matrix, y), bounds, &m);

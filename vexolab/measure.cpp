@@ -19,6 +19,11 @@ namespace {
 constexpr double kIlluminationCaution = 4;
 constexpr double kCurvatureCaution = 8;
 
+// The dearer a doubt would be in noise, the more evidence it needs.
+double illumination_caution(const location& l) {
+  return kIlluminationCaution * (1 + l.illumination.variance / l.variance);
+}
+
 // A strip is no wider than where a curved edge has left its tangent by 1 px.
 double effective_half_width(double half_width, double curvature) {
   if (curvature == 0) return half_width;
@@ -104,7 +109,7 @@ void measure_rectangles(const image& picture, const detection& how,
     if (l.fitted) {
       const double c = curvatures[i];
       u += (c - assumed[i]) * l.per_curvature;
-      u += admitted(l.illumination, kIlluminationCaution);
+      u += admitted(l.illumination, illumination_caution(l));
       u -= 0.5 * c * l.blur * l.blur;
     }
     const double limit = frames[i].half_length;
@@ -122,7 +127,7 @@ void measure_all_edges(const image& picture, const detection& how,
     const location l = measurer.locate(f, e, 0);
     double u = l.u;
     if (l.fitted) {
-      u += admitted(l.illumination, kIlluminationCaution);
+      u += admitted(l.illumination, illumination_caution(l));
       u += admitted(l.curvature, kCurvatureCaution);
     }
     u = std::clamp(u, -f.half_length, f.half_length);
