@@ -224,7 +224,7 @@ void growth_over_runs(bool quick) {
   std::vector<Input> inputs;
   std::vector<double> runs;
   const int width = quick ? 2000 : 10000;
-  const int height = quick ? 2400 : 8400;
+  const int height = quick ? 2400 : 10700;
   for (int period : {32, 16, 8, 4}) {
     inputs.push_back(make_input(width, height, period));
     runs.push_back(static_cast<double>(inputs.back().runs.run_count));
