@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "app/rendal_app.h"
+
+#include <afxcontrolbars.h>
+
+#include <memory>
+
+#include "app/rendal_dlg.h"
+#include "app/start_options.h"
+#include "app/ui_text.h"
+
+namespace ui_text = rendal::ui_text;
+
+CRendalApp theApp;
+
+namespace {
+
+constexpr DWORD kAllWin95Classes = 0xFF;
+
+void InitControlClasses() {
+  INITCOMMONCONTROLSEX classes = {sizeof classes, kAllWin95Classes};
+  ::InitCommonControlsEx(&classes);
+}
+
+// Whether this is the only running instance. The mutex lives as long as the
+// process; its handle is not needed again.
+bool ClaimSingleInstance() {
+  const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, L"Rendal");
+  if (::GetLastError() != ERROR_ALREADY_EXISTS) return true;
+  ::MessageBoxW(nullptr, ui_text::kAlreadyOpen, ui_text::kApplicationName,
+                MB_OK);
+  if (mutex != nullptr) ::CloseHandle(mutex);
+  return false;
+}
+
+}  // namespace
+
+BOOL CRendalApp::InitInstance() {
+  InitControlClasses();
+  if (!ClaimSingleInstance()) return FALSE;
+  CWinApp::InitInstance();
+  AfxEnableControlContainer();
+  auto shellManager = std::make_unique<CShellManager>();
+  CMFCVisualManager::SetDefaultManager(RUNTIME_CLASS(CMFCVisualManagerWindows));
+  SetRegistryKey(ui_text::kRegistryKey);
+
+  const rendal::StartOptions options = rendal::ReadStartOptions();
+  CRendalDlg dialog;
+  dialog.m_language = options.language;
+  dialog.m_startImage = options.image;
+  m_pMainWnd = &dialog;
+  dialog.DoModal();
+  m_pMainWnd = nullptr;
+  shellManager.reset();
+  return FALSE;
+}

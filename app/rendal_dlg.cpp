@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+#include "app/rendal_dlg.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <opencv2/core/utils/logger.hpp>
+#include <opencv2/highgui.hpp>
+
+#include "app/about_dlg.h"
+#include "app/build_date.h"
+#include "app/console.h"
+#include "app/image_window.h"
+#include "app/ui_text.h"
+#include "app/view/view_globals.h"
+#include "controls/msg_window.h"
+
+namespace ui_text = rendal::ui_text;
+
+namespace {
+
+constexpr COLORREF kLoadButtonColor = RGB(0, 255, 0);
+constexpr size_t kReservedRegions = 3;
+constexpr int kWelcomeWidthPx = 300;
+constexpr int kWelcomeHeightPx = 180;
+constexpr UINT kWelcomeMs = 15000;
+
+}  // namespace
+
+// The index of the dialog.
+// clang-format off
+BEGIN_MESSAGE_MAP(CRendalDlg, CDialogEx)
+  ON_WM_SYSCOMMAND()
+  ON_WM_PAINT()
+  ON_WM_QUERYDRAGICON()
+  ON_BN_CLICKED(IDC_LOAD_IMAGE,    &CRendalDlg::OnLoadImage)
+  ON_WM_MOUSEWHEEL()
+  ON_WM_TIMER()
+  ON_BN_CLICKED(IDC_MEASURE,       &CRendalDlg::OnMeasure)
+  ON_BN_CLICKED(IDC_ZOOM_ONE,      &CRendalDlg::OnZoomOne)
+  ON_BN_CLICKED(IDC_ZOOM_FIT,      &CRendalDlg::OnZoomFit)
+  // Tool mode
+  ON_BN_CLICKED(IDC_MODE_LINE,     &CRendalDlg::OnToolMode<rendal::kToolLine>)
+  ON_BN_CLICKED(IDC_MODE_CIRCLE,   &CRendalDlg::OnToolMode<rendal::kToolCircle>)
+  ON_BN_CLICKED(IDC_MODE_BAND,     &CRendalDlg::OnToolMode<rendal::kToolBand>)
+  ON_BN_CLICKED(IDC_MODE_NONE,     &CRendalDlg::OnToolMode<rendal::kToolNone>)
+  ON_BN_CLICKED(IDC_MODE_ELLIPSE,  &CRendalDlg::OnToolMode<rendal::kToolEllipse>)
+  ON_BN_CLICKED(IDC_CLEAR_DISPLAY, &CRendalDlg::OnClearDisplay)
+  ON_EN_CHANGE(IDC_WIDTH,          &CRendalDlg::OnWidthChanged)
+  // Blob
+  ON_BN_CLICKED(IDC_THRESHOLD,     &CRendalDlg::OnThreshold)
+  ON_BN_CLICKED(IDC_CONNECTION,    &CRendalDlg::OnConnection)
+  ON_BN_CLICKED(IDC_FILL_UP,       &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kFillUp>)
+  ON_BN_CLICKED(IDC_TOGGLE_GRAY,   &CRendalDlg::OnToggleGray)
+  ON_BN_CLICKED(IDC_UNION,         &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kUnion>)
+  ON_BN_CLICKED(IDC_DIFFERENCE,    &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kDifference>)
+  ON_BN_CLICKED(IDC_INTERSECTION,  &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kIntersection>)
+  ON_BN_CLICKED(IDC_DILATION,      &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kDilation>)
+  ON_BN_CLICKED(IDC_EROSION,       &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kErosion>)
+  ON_BN_CLICKED(IDC_OPENING,       &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kOpening>)
+  ON_BN_CLICKED(IDC_CLOSING,       &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kClosing>)
+  ON_BN_CLICKED(IDC_TOP_HAT,       &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kTopHat>)
+  ON_BN_CLICKED(IDC_BOTTOM_HAT,    &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kBottomHat>)
+  ON_BN_CLICKED(IDC_BOUNDARY,      &CRendalDlg::OnRegionOperation<rendal::RegionOperation::kBoundary>)
+  ON_CBN_SELCHANGE(IDC_ELEMENT,    &CRendalDlg::OnElementChanged)
+  ON_WM_CTLCOLOR()
+  // Buttons without a tool
+  ON_BN_CLICKED(IDC_SPARE_1,       &CRendalDlg::OnUnused)
+  ON_BN_CLICKED(IDC_HIDDEN_BUTTON, &CRendalDlg::OnUnused)
+  ON_BN_CLICKED(IDC_HIT_OR_MISS,   &CRendalDlg::OnUnused)
+  ON_BN_CLICKED(IDC_SKELETON,      &CRendalDlg::OnUnused)
+  ON_WM_CLOSE()
+  ON_BN_CLICKED(IDC_FIND_LINE,     &CRendalDlg::OnFindLine)
+  ON_BN_CLICKED(IDC_CLEAR_CONSOLE, &CRendalDlg::OnClearConsole)
+END_MESSAGE_MAP()
+// clang-format on
+
+CRendalDlg::CRendalDlg(CWnd* parent)
+    : CDialogEx(IDD, parent), m_hIcon(AfxGetApp()->LoadIcon(IDR_MAINFRAME)) {
+  m_loadBrush.CreateSolidBrush(kLoadButtonColor);
+}
+
+BOOL CRendalDlg::OnInitDialog() {
+  CDialogEx::OnInitDialog();
+  ExtendSystemMenu();
+  SetIcon(m_hIcon, TRUE);
+  SetIcon(m_hIcon, FALSE);
+  rendal::console::Open();
+  ShowBuildDate();
+  ModifyStyle(WS_THICKFRAME, 0);
+  BuildControls();
+  m_roiShapes = rendal::InitialShapes();
+  UpdateElementControls();
+  m_regionHistory.reserve(kReservedRegions);
+  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+  CreateImageWindow();
+  // Writing the defaults counted as a change of the width.
+  m_redraw = 0;
+  StartRefresh();
+  ShowWelcome();
+  LoadStartImage();
+  return TRUE;
+}
+
+void CRendalDlg::ExtendSystemMenu() {
+  CMenu* menu = GetSystemMenu(FALSE);
+  CString about;
+  if (menu == nullptr || !about.LoadString(IDS_ABOUTBOX)) return;
+  if (m_language == rendal::kEnglish) about = ui_text::kAboutMenuEnglish;
+  menu->AppendMenu(MF_SEPARATOR);
+  menu->AppendMenu(MF_STRING, IDM_ABOUTBOX, about);
+}
+
+void CRendalDlg::ShowBuildDate() {
+  const rendal::BuildDate date = rendal::ParseBuildDate(__DATE__);
+  CString title;
+  title.Format(ui_text::kTitle.In(m_language), date.year, date.month, date.day);
+  SetWindowText(title);
+}
+
+void CRendalDlg::ShowWelcome() {
+  CString homePage;
+  homePage.LoadString(IDS_HOME_PAGE);
+  auto* welcome = new CMsgWindow;  // deletes itself, also if this fails
+  if (!welcome->Create(this, ui_text::kWelcomeTitle, kWelcomeWidthPx,
+                       kWelcomeHeightPx)) {
+    return;
+  }
+  welcome->SetContent(ui_text::kWelcomeTitle, ui_text::kWelcome.In(m_language),
+                      homePage);
+  welcome->Show(kWelcomeMs);
+}
+
+void CRendalDlg::LoadStartImage() {
+  if (m_startImage.empty()) return;
+  LoadFile(m_startImage);
+  std::fflush(stdout);
+}
+
+// The caller of every command handler. A tool that throws ends in the status
+// label; the console gets what the handler printed.
+BOOL CRendalDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
+  if (HIWORD(wParam) == 0) rendal::console::EndSelection();
+  BOOL handled = TRUE;
+  ShowStatus(rendal::Guarded([&] {
+    handled = CDialogEx::OnCommand(wParam, lParam);
+    return rendal::Status{};
+  }));
+  std::fflush(stdout);
+  return handled;
+}
+
+// Return in an edit box must not end the program.
+void CRendalDlg::OnOK() {}
+
+void CRendalDlg::OnSysCommand(UINT id, LPARAM lParam) {
+  if ((id & 0xFFF0) == IDM_ABOUTBOX) {
+    CAboutDlg(m_language, this).DoModal();
+  } else {
+    CDialogEx::OnSysCommand(id, lParam);
+  }
+}
+
+void CRendalDlg::OnPaint() {
+  if (!IsIconic()) {
+    CDialogEx::OnPaint();
+    return;
+  }
+  CPaintDC dc(this);
+  SendMessage(WM_ICONERASEBKGND, reinterpret_cast<WPARAM>(dc.GetSafeHdc()), 0);
+  CRect client;
+  GetClientRect(&client);
+  const int x = (client.Width() - ::GetSystemMetrics(SM_CXICON) + 1) / 2;
+  const int y = (client.Height() - ::GetSystemMetrics(SM_CYICON) + 1) / 2;
+  dc.DrawIcon(x, y, m_hIcon);
+}
+
+HCURSOR CRendalDlg::OnQueryDragIcon() { return static_cast<HCURSOR>(m_hIcon); }
+
+HBRUSH CRendalDlg::OnCtlColor(CDC* dc, CWnd* control, UINT kind) {
+  const HBRUSH brush = CDialogEx::OnCtlColor(dc, control, kind);
+  if (control->GetDlgCtrlID() == IDC_LOAD_IMAGE) return m_loadBrush;
+  return brush;
+}
+
+void CRendalDlg::OnClose() {
+  EndDialog(IDCANCEL);
+  CDialogEx::OnClose();
+}
+
+BOOL CRendalDlg::DestroyWindow() {
+  m_regionHistory.clear();
+  rendal::CloseImageWindow();
+  return CDialogEx::DestroyWindow();
+}
+
+void CRendalDlg::OnUnused() {}
+
+void CRendalDlg::OnClearConsole() { rendal::console::Clear(); }

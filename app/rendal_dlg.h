@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#ifndef RENDAL_APP_RENDAL_DLG_H_
+#define RENDAL_APP_RENDAL_DLG_H_
+
+#include <afxcmn.h>
+#include <afxdialogex.h>
+#include <afxwin.h>
+
+#include <filesystem>
+#include <opencv2/core.hpp>
+
+#include "app/load_button.h"
+#include "app/region_list.h"
+#include "controls/label.h"
+#include "controls/num_spin_ctrl.h"
+#include "res/resource.h"
+#include "tools/blob_tool.h"
+#include "tools/status.h"
+#include "tools/workbench.h"
+
+// The program's only main window: image view, caliper group, blob group, status
+// row. What the tools share is the Workbench part; this class adds the window.
+//
+//   rendal_dlg.cpp           message map, start-up and end, system commands
+//   rendal_dlg_controls.cpp  ranges, defaults and captions of the controls
+//   rendal_dlg_tools.cpp     handlers that call tools/
+//   rendal_dlg_view.cpp      image window and handlers that call app/view/
+//
+// Handlers read controls, call a tool and show its status. None of them draws;
+// the refresh timer does.
+class CRendalDlg : public CDialogEx, public rendal::Workbench {
+ public:
+  enum { IDD = IDD_RENDAL_DIALOG };
+
+  explicit CRendalDlg(CWnd* parent = nullptr);
+
+  BOOL DestroyWindow() override;
+
+  cv::Mat m_viewImage;                 // what the image view shows
+  std::filesystem::path m_startImage;  // loaded after start-up, if not empty
+
+ protected:
+  void DoDataExchange(CDataExchange* exchange) override;
+  BOOL OnInitDialog() override;
+  BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+  void OnOK() override;
+
+ private:
+  // System
+  afx_msg void OnSysCommand(UINT id, LPARAM lParam);
+  afx_msg void OnPaint();
+  afx_msg HCURSOR OnQueryDragIcon();
+  afx_msg HBRUSH OnCtlColor(CDC* dc, CWnd* control, UINT kind);
+  afx_msg void OnClose();
+
+  // View
+  afx_msg void OnLoadImage();
+  afx_msg BOOL OnMouseWheel(UINT flags, short delta, CPoint point);
+  afx_msg void OnTimer(UINT_PTR id);
+  afx_msg void OnZoomOne();
+  afx_msg void OnZoomFit();
+  template <rendal::ToolMode mode>
+  afx_msg void OnToolMode() {
+    SetToolMode(mode);
+  }
+  afx_msg void OnClearDisplay();
+  afx_msg void OnWidthChanged();
+
+  // Tools
+  afx_msg void OnMeasure();
+  afx_msg void OnFindLine();
+  afx_msg void OnThreshold();
+  afx_msg void OnConnection();
+  afx_msg void OnToggleGray();
+  template <rendal::RegionOperation operation>
+  afx_msg void OnRegionOperation() {
+    ApplyOperation(operation);
+  }
+  afx_msg void OnElementChanged();
+  afx_msg void OnClearConsole();
+  afx_msg void OnUnused();
+
+  DECLARE_MESSAGE_MAP()
+
+  // Start-up, in this order
+  void ExtendSystemMenu();
+  void ShowBuildDate();
+  void BuildControls();
+  void CreateImageWindow();
+  void StartRefresh();
+  void ShowWelcome();
+  void LoadStartImage();
+
+  void TakeViewSize();
+  void SetUpStatusLabels();
+  void SetUpSpins();
+  void FillCombos();
+  void ApplyEnglishCaptions();
+  void KeepTitleOnScreen();
+  void UpdateElementControls();
+
+  void LoadFile(const std::filesystem::path& path);
+  void SetToolMode(rendal::ToolMode mode);
+  void ApplyOperation(rendal::RegionOperation operation);
+  void Refresh();
+  static void OnViewMouse(int event, int x, int y, int flags, void* dialog);
+
+  rendal::GrayBand ReadGrayBand() const;
+  rendal::OperationParameters ReadOperationParameters() const;
+  void ShowStatus(const rendal::Status& status);
+
+  HICON m_hIcon;
+  CBrush m_loadBrush;
+
+  CLabel m_status;
+  CLabel m_readout;
+  CLoadButton m_loadButton;
+  CRegionList m_regionList;
+
+  CNumSpinCtrl m_length;
+  CNumSpinCtrl m_width;
+  CNumSpinCtrl m_amplitude;
+  CNumSpinCtrl m_sigma;
+  CNumSpinCtrl m_reps;
+  CSpinButtonCtrl m_count;
+  CSpinButtonCtrl m_minGray;
+  CSpinButtonCtrl m_maxGray;
+  CSpinButtonCtrl m_elementWidth;
+  CSpinButtonCtrl m_elementHeight;
+
+  CComboBox m_findLineDisplay;
+  CComboBox m_direction;
+  CComboBox m_selection;
+  CComboBox m_boundaryType;
+  CComboBox m_element;
+};
+
+#endif  // RENDAL_APP_RENDAL_DLG_H_

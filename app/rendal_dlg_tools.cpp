@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+//
+// Handlers that call tools/: read controls, call, show the status.
+#include "app/rendal_dlg.h"
+#include "app/text.h"
+#include "app/ui_text.h"
+
+namespace ui_text = rendal::ui_text;
+
+namespace {
+
+constexpr COLORREF kRed = RGB(255, 0, 0);
+constexpr COLORREF kBlue = RGB(0, 0, 255);
+constexpr COLORREF kWhite = RGB(255, 255, 255);
+
+struct LabelColors {
+  COLORREF text;
+  COLORREF background;
+};
+
+LabelColors ColorsOf(rendal::Tone tone) {
+  switch (tone) {
+    case rendal::Tone::kError:
+      return {kRed, kWhite};
+    case rendal::Tone::kSuccess:
+      return {kBlue, kWhite};
+    default:
+      return {kWhite, kBlue};
+  }
+}
+
+}  // namespace
+
+void CRendalDlg::ShowStatus(const rendal::Status& status) {
+  if (status.tone == rendal::Tone::kSilent) return;
+  const LabelColors colors = ColorsOf(status.tone);
+  m_status.ModifyStyle(0, SS_CENTERIMAGE);
+  m_status.SetBkColor(colors.background)
+      .SetTextColor(colors.text)
+      .SetText(rendal::FromUtf8(status.text));
+}
+
+rendal::GrayBand CRendalDlg::ReadGrayBand() const {
+  return {m_minGray.GetPos32(), m_maxGray.GetPos32()};
+}
+
+rendal::OperationParameters CRendalDlg::ReadOperationParameters() const {
+  return {{m_element.GetCurSel(), m_elementWidth.GetPos32(),
+           m_elementHeight.GetPos32()},
+          ui_text::kBoundaryTypes[m_boundaryType.GetCurSel()]};
+}
+
+void CRendalDlg::OnThreshold() {
+  ShowStatus(rendal::Threshold(*this, ReadGrayBand()));
+}
+
+void CRendalDlg::OnConnection() {
+  const rendal::ConnectionReport report = rendal::Connection(*this);
+  ShowStatus(report.status);
+  if (report.rows) m_regionList.Show(*report.rows);
+}
+
+void CRendalDlg::OnToggleGray() {
+  const rendal::GrayBand band = rendal::ToggleGrayBand(ReadGrayBand());
+  m_minGray.SetPos32(band.min);
+  m_maxGray.SetPos32(band.max);
+}
+
+void CRendalDlg::ApplyOperation(rendal::RegionOperation operation) {
+  ShowStatus(rendal::ApplyRegionOperation(*this, operation,
+                                          ReadOperationParameters()));
+}
+
+void CRendalDlg::OnElementChanged() { UpdateElementControls(); }
+
+void CRendalDlg::OnMeasure() {}
+
+void CRendalDlg::OnFindLine() {}
