@@ -71,16 +71,19 @@ std::optional<int> NativePosition(double value, const NumberRange& range,
 double StepNumber(double value, int delta, const NumberRange& range,
                   bool wrap) {
   const double minimum = range.m_minimum, maximum = range.m_maximum;
-  if (std::isnan(value)) return minimum;
+  if (!std::isfinite(value)) return value > 0 ? maximum : minimum;
   const double stepped = value + delta * range.m_step;
   if (delta < 0) {
     const double tolerance = Tolerance(std::max(stepped, minimum));
     if (minimum - stepped > tolerance) return wrap ? maximum : minimum;
     if (value - maximum > Tolerance(maximum)) return maximum;
-  } else if (delta > 0) {
+    return std::max(stepped, minimum);
+  }
+  if (delta > 0) {
     const double tolerance = Tolerance(std::max(stepped, maximum));
     if (stepped - maximum > tolerance) return wrap ? minimum : maximum;
     if (minimum - value > Tolerance(minimum)) return minimum;
+    return std::min(stepped, maximum);
   }
-  return stepped;
+  return value;
 }

@@ -50,7 +50,7 @@ std::optional<int> NativePosition(double value, const NumberRange& range,
 
 // `value` after `delta` steps (negative: down). A step that leads beyond the
 // end ahead stops there, or goes on at the other end if `wrap`. A value that
-// was beyond the end behind comes back to that end, whatever the step. Within
-// a tolerance of 1e-9 (relative above 1) a value counts as being at the end.
-// Not a number: the minimum.
+// was beyond the end behind comes back to that end, whatever the step. What is
+// beyond an end by no more than 1e-9 (relative above 1) got there by rounding
+// and is that end. Not a number: the minimum.
 double StepNumber(double value, int delta, const NumberRange& range, bool wrap);

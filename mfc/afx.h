@@ -17,6 +17,7 @@
 // clang-format off
 #include <windows.h>
 #include <commctrl.h>
+#include <commdlg.h>
 #include <shellapi.h>
 #include <tchar.h>
 // clang-format on

@@ -3,10 +3,7 @@
 // The system's common dialogs.
 #pragma once
 
-// clang-format off: the system header needs this order.
 #include "afxwin.h"
-#include <commdlg.h>
-// clang-format on
 
 // The system's file-open dialog.
 class CFileDialog : public CDialog {

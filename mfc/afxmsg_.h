@@ -4,8 +4,8 @@
 //
 // An entry holds a plain function made from a lambda that captures nothing: it
 // unpacks the message, calls the member and stores the result. So no member
-// pointer is ever reinterpreted, and since the lambda stands inside a member of the
-// class it may call protected handlers.
+// pointer is ever reinterpreted, and since the lambda stands inside a member of
+// the class it may call protected handlers.
 #pragma once
 
 #include "afx.h"
