@@ -37,9 +37,7 @@ double CNumSpinCtrl::GetPos() const {
 
 void CNumSpinCtrl::PreSubclassWindow() {
   CSpinButtonCtrl::PreSubclassWindow();
-  // The text is ours: with this style the control would write its own integer
-  // position over it.
-  ModifyStyle(UDS_SETBUDDYINT, 0);
+  ASSERT((GetStyle() & UDS_SETBUDDYINT) == 0);
   SetRangeAndDelta(m_range.m_minimum, m_range.m_maximum, m_range.m_step);
 }
 

@@ -10,6 +10,9 @@
 // Edits a real value in its buddy edit box. The buddy's text is the value of
 // record: whatever the operator types there counts, and the control's own
 // integer position only mirrors it.
+//
+// Requires a control without UDS_SETBUDDYINT, which would write that position
+// over the text.
 class CNumSpinCtrl : public CSpinButtonCtrl {
  public:
   CNumSpinCtrl() = default;
