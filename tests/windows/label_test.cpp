@@ -226,6 +226,7 @@ TEST_F(Label, FlashingTextGoesAndComes) {
   Tick();
   TheLabel().Flash(CLabel::kFlashNone);
   EXPECT_EQ(Text(), "alarm") << "stopped in the dark phase";
+  EXPECT_FALSE(TheLabel().KillTimer(1)) << "no timer is left";
   Tick();
   EXPECT_EQ(Text(), "alarm");
 }
