@@ -9,8 +9,10 @@ include(CMakePackageConfigHelpers)
 set(RENDAL_CONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vexo)
 
 install(TARGETS vexo vexolab EXPORT vexo-targets
-        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        COMPONENT libraries)
+        ARCHIVE COMPONENT libraries
+        LIBRARY COMPONENT libraries
+        RUNTIME COMPONENT libraries
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/region/region.h
               ${PROJECT_SOURCE_DIR}/region/operations.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/region COMPONENT libraries)
