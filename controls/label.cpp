@@ -79,6 +79,7 @@ CLabel& CLabel::Flash(FlashKind kind, UINT half_period_ms) {
 void CLabel::RecreateFont() {
   m_font.DeleteObject();
   m_font.CreateFontIndirect(&m_fontDescription);
+  if (m_hWnd != nullptr) SetFont(&m_font, FALSE);
   Repaint();
 }
 
@@ -91,6 +92,8 @@ void CLabel::PreSubclassWindow() {
   CStatic::PreSubclassWindow();
   // Without it a static text lets the mouse through to its parent.
   ModifyStyle(0, SS_NOTIFY);
+  // Some systems select the control's own font after asking for the colours.
+  SetFont(&m_font, FALSE);
 }
 
 HBRUSH CLabel::CtlColor(CDC* dc, UINT type) {

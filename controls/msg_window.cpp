@@ -15,7 +15,7 @@ constexpr COLORREF kTitleColor = RGB(33, 33, 33);
 constexpr COLORREF kTextColor = RGB(66, 66, 66);
 constexpr int kMarginPx = 10;
 constexpr int kTextTopPx = 40;
-constexpr int kTitleHeightPx = 16;
+constexpr int kFontHeightPx = 16;
 
 }  // namespace
 
@@ -77,24 +77,26 @@ void CMsgWindow::OnPaint() {
   memory.SelectObject(old_bitmap);
 }
 
+static void DrawTextIn(CDC* dc, const CString& text, CRect area, int weight,
+                       COLORREF color, UINT format) {
+  CFont font;
+  font.CreateFont(kFontHeightPx, 0, 0, 0, weight, FALSE, FALSE, FALSE,
+                  DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                  DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, _T("Arial"));
+  CFont* old_font = dc->SelectObject(&font);
+  dc->SetTextColor(color);
+  dc->DrawText(text, area, format | DT_NOPREFIX);
+  dc->SelectObject(old_font);
+}
+
 void CMsgWindow::Draw(CDC* dc, const CRect& client) {
   dc->FillSolidRect(client, kWhite);
   dc->SetBkMode(TRANSPARENT);
-
-  CFont title_font;
-  title_font.CreateFont(kTitleHeightPx, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE,
-                        DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                        CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                        DEFAULT_PITCH | FF_SWISS, _T("Arial"));
-  CFont* old_font = dc->SelectObject(&title_font);
-  dc->SetTextColor(kTitleColor);
-  CRect title(kMarginPx, kMarginPx, client.right - kMarginPx, kTextTopPx);
-  dc->DrawText(m_title, title, DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-  dc->SelectObject(old_font);
-
-  dc->SetTextColor(kTextColor);
-  CRect text(kMarginPx, kTextTopPx, client.right, client.bottom);
-  dc->DrawText(m_text, text, DT_WORDBREAK | DT_NOPREFIX);
+  const CRect title(kMarginPx, kMarginPx, client.right - kMarginPx, kTextTopPx);
+  DrawTextIn(dc, m_title, title, FW_BOLD, kTitleColor,
+             DT_SINGLELINE | DT_END_ELLIPSIS);
+  const CRect text(kMarginPx, kTextTopPx, client.right, client.bottom);
+  DrawTextIn(dc, m_text, text, FW_NORMAL, kTextColor, DT_WORDBREAK);
 }
 
 BOOL CMsgWindow::OnEraseBkgnd(CDC*) {

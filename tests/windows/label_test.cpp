@@ -4,6 +4,7 @@
 #include <afxdialogex.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,7 @@ class Label : public ::testing::Test {
     COLORREF text_color, background;
     int mode;
     LOGFONT font;
+    HGDIOBJ font_handle;
   };
   Looks Ask() {
     CClientDC dc(&TheLabel());
@@ -66,9 +68,12 @@ class Label : public ::testing::Test {
         reinterpret_cast<LPARAM>(TheLabel().m_hWnd)));
     LOGBRUSH description{};
     ::GetObject(brush, sizeof(description), &description);
-    Looks looks{dc.GetTextColor(), description.lbColor, dc.GetBkMode(), {}};
-    ::GetObject(::GetCurrentObject(dc, OBJ_FONT), sizeof(looks.font),
-                &looks.font);
+    Looks looks{dc.GetTextColor(),
+                description.lbColor,
+                dc.GetBkMode(),
+                {},
+                ::GetCurrentObject(dc, OBJ_FONT)};
+    ::GetObject(looks.font_handle, sizeof(looks.font), &looks.font);
     ::SelectObject(dc, ::GetStockObject(SYSTEM_FONT));
     return looks;
   }
@@ -84,6 +89,22 @@ class Label : public ::testing::Test {
         count += dc.GetPixel(x, y) == color;
     }
     return count;
+  }
+
+  // Rows from the first to the last that are not all background.
+  int PaintedHeight(COLORREF background) {
+    CClientDC dc(&TheLabel());
+    CRect area;
+    TheLabel().GetClientRect(area);
+    int first = area.bottom, last = -1;
+    for (int y = 0; y < area.Height(); ++y) {
+      for (int x = 0; x < area.Width(); ++x) {
+        if (dc.GetPixel(x, y) == background) continue;
+        first = std::min(first, y);
+        last = y;
+      }
+    }
+    return last - first + 1;
   }
 
   void Tick() { TheLabel().SendMessage(WM_TIMER, 1, 0); }
@@ -118,6 +139,20 @@ TEST_F(Label, FontSettersTakeTheStockFace) {
   EXPECT_EQ(font.lfHeight, -22);
   EXPECT_EQ(font.lfWeight, FW_BOLD);
   EXPECT_EQ(font.lfCharSet, StockFont().lfCharSet);
+}
+
+TEST_F(Label, FontShowsInThePaintedText) {
+  TheLabel().SetBkColor(kWhite).SetTextColor(kRed).SetText(L"HH");
+  EXPECT_EQ(TheLabel().GetFont()->GetSafeHandle(), Ask().font_handle);
+  const int simsun = PaintedHeight(kWhite);
+  TheLabel().SetFontSize(30);
+  const int large = PaintedHeight(kWhite);
+  TheLabel().SetFontSize(8);
+  const int small = PaintedHeight(kWhite);
+  EXPECT_NEAR(simsun, 10, 3);
+  EXPECT_NEAR(large, 22, 3);
+  EXPECT_NEAR(small, 6, 3);
+  EXPECT_EQ(TheLabel().GetFont()->GetSafeHandle(), Ask().font_handle);
 }
 
 TEST_F(Label, WeightAloneKeepsTheStockHeight) {
