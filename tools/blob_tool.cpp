@@ -2,6 +2,7 @@
 #include "tools/blob_tool.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "region/operations.h"
@@ -27,10 +28,36 @@ struct Operands {
   const char* boundary_type;
 };
 
+// How a library function takes its operands.
 using Form = void (*)(const Operands& in, region* out);
 
-// One button. The label is what PrintElapsed prints, `done` what the status
-// says is done.
+template <auto operation>
+void OnNewest(const Operands& in, region* out) {
+  operation(in.last, out);
+}
+
+template <auto operation>
+void OnBoth(const Operands& in, region* out) {
+  operation(in.older, in.last, out);
+}
+
+template <auto operation>
+void ByElement(const Operands& in, region* out) {
+  operation(in.last, in.element, out);
+}
+
+// About the middle of the element.
+template <auto operation>
+void ByCentred(const Operands& in, region* out) {
+  operation(in.last, in.element, out, -1, -1);
+}
+
+void ByType(const Operands& in, region* out) {
+  vexo::boundary(in.last, out, in.boundary_type);
+}
+
+// One button: `label` is what PrintElapsed prints, `done` what the status says
+// is done, `inputs` how many binarisations it takes.
 struct OperationRow {
   RegionOperation operation;
   const char* name;
@@ -43,15 +70,26 @@ struct OperationRow {
 };
 
 // clang-format off
-// operation  name  label  done  inputs  element  parallel  sequential
-constexpr std::span<const OperationRow> kOperations;
+constexpr OperationRow kOperations[] = {
+// operation                       name            label           done          inputs element parallel                      sequential
+  {RegionOperation::kFillUp,       "fill_up",      "fill up",      "fill_up",      1, false, OnNewest<vexo::fill_up_y>,     OnNewest<vexo::fill_up>},
+  {RegionOperation::kUnion,        "union",        "union2",       "union2",       2, false, OnBoth<vexo::union2_y>,        OnBoth<vexo::union2>},
+  {RegionOperation::kDifference,   "difference",   "difference",   "difference",   2, false, OnBoth<vexo::difference_y>,    OnBoth<vexo::difference>},
+  {RegionOperation::kIntersection, "intersection", "intersection", "intersection", 2, false, OnBoth<vexo::intersection_y>,  OnBoth<vexo::intersection>},
+  {RegionOperation::kDilation,     "dilation",     "dilation1",    "dilation1",    1, true,  ByCentred<vexo::dilation2>,    ByElement<vexo::dilation1>},
+  {RegionOperation::kErosion,      "erosion",      "erosion1",     "erosion1",     1, true,  ByCentred<vexo::erosion2>,     ByElement<vexo::erosion1>},
+  {RegionOperation::kOpening,      "opening",      "opening",      "opening",      1, true,  ByElement<vexo::opening>,      ByElement<vexo::opening1>},
+  {RegionOperation::kClosing,      "closing",      "closing",      "closing",      1, true,  ByElement<vexo::closing>,      ByElement<vexo::closing>},
+  {RegionOperation::kTopHat,       "top_hat",      "top_hat",      "top_hat",      1, true,  ByElement<vexo::top_hat>,      ByElement<vexo::top_hat>},
+  {RegionOperation::kBottomHat,    "bottom_hat",   "bottom_hat",   "bottom_hat",   1, true,  ByElement<vexo::bottom_hat>,   ByElement<vexo::bottom_hat>},
+  {RegionOperation::kBoundary,     "boundary",     "boundary",     "boundary",     1, false, ByType,                        ByType},
+};
 // clang-format on
 
-const OperationRow* FindRow(RegionOperation operation) {
-  const auto row = std::find_if(
-      kOperations.begin(), kOperations.end(),
+const OperationRow& RowOf(RegionOperation operation) {
+  return *std::find_if(
+      std::begin(kOperations), std::end(kOperations),
       [operation](const OperationRow& r) { return r.operation == operation; });
-  return row == kOperations.end() ? nullptr : &*row;
 }
 
 // A result is drawn from its chords; the operations on runs leave none.
@@ -81,6 +119,8 @@ std::vector<region> Appended(const std::vector<region>& history,
   return next;
 }
 
+// The last thing a tool does that can throw, so a tool that throws has changed
+// nothing.
 void Show(Workbench& workbench, std::vector<OverlayItem> items) {
   workbench.m_regionOverlay.Replace(std::move(items));
   workbench.RequestRedraw();
@@ -106,9 +146,15 @@ int RunConnection(int mode, region& input, region* result) {
   return 0;
 }
 
+// The builders fill runs and chords.
 void BuildElement(const ElementChoice& choice, region* element) {
-  (void)choice;
-  (void)element;
+  if (choice.kind == kCross) {
+    vexo::gen_se_cross(choice.width, choice.height, element);
+  } else if (choice.kind == kRectangle) {
+    vexo::gen_se_rectangle(choice.width, choice.height, element);
+  } else {
+    vexo::gen_se_circle(choice.width, element);
+  }
 }
 
 Status CheckInputs(const Workbench& workbench, size_t inputs) {
@@ -144,9 +190,10 @@ Status Threshold(Workbench& workbench, GrayBand band) {
     return messages::RegionEmpty(workbench.m_language);
   }
   std::vector<region> history = Appended(workbench.m_regionHistory, result);
+  Status status = messages::Done(workbench.m_language, "threshold");
   Show(workbench, SingleRegionItems(result));
   workbench.m_regionHistory.swap(history);
-  return messages::Done(workbench.m_language, "threshold");
+  return status;
 }
 
 ConnectionReport Connection(Workbench& workbench) {
@@ -170,25 +217,25 @@ ConnectionReport Connection(Workbench& workbench) {
 
 Status ApplyRegionOperation(Workbench& workbench, RegionOperation operation,
                             const OperationParameters& parameters) {
-  const OperationRow* const row = FindRow(operation);
-  if (row == nullptr) return {};
-  if (Status guard = CheckInputs(workbench, row->inputs);
+  const OperationRow& row = RowOf(operation);
+  if (Status guard = CheckInputs(workbench, row.inputs);
       guard.tone != Tone::kSilent) {
     return guard;
   }
   region element;
-  if (row->element) BuildElement(parameters.element, &element);
+  if (row.element) BuildElement(parameters.element, &element);
   const Operands in{workbench.m_regionHistory.front(),
                     workbench.m_regionHistory.back(), element,
-                    parameters.boundary_type};
+                    parameters.boundary_type.c_str()};
   region result;
   int64_t start = SteadyNanoseconds();
-  if (workbench.m_parallelMode == kParallel) row->parallel(in, &result);
-  if (workbench.m_parallelMode == kSequential) row->sequential(in, &result);
-  PrintElapsed(start, row->label);
+  if (workbench.m_parallelMode == kParallel) row.parallel(in, &result);
+  if (workbench.m_parallelMode == kSequential) row.sequential(in, &result);
+  PrintElapsed(start, row.label);
   BuildChords(&result);
+  Status status = messages::Done(workbench.m_language, row.done);
   Show(workbench, SingleRegionItems(result));
-  return messages::Done(workbench.m_language, row->done);
+  return status;
 }
 
 std::optional<RegionOperation> OperationByName(std::string_view name) {

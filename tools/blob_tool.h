@@ -13,7 +13,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/region_overlay.h"
@@ -65,7 +66,7 @@ enum class RegionOperation {
 
 struct OperationParameters {
   ElementChoice element;
-  const char* boundary_type = "inner";  // "inner", "inner_filled", "outer"
+  std::string boundary_type = "inner";  // "inner", "inner_filled", "outer"
 };
 
 // Binarises the image. Silent without an image. An empty result leaves history
@@ -81,7 +82,8 @@ struct ConnectionReport {
 };
 ConnectionReport Connection(Workbench& workbench);
 
-// Runs one of the other operations on the newest binarisation(s).
+// Runs one of the other operations: on the two newest binarisations, older one
+// first, for the set operations; on the newest for the rest.
 Status ApplyRegionOperation(Workbench& workbench, RegionOperation operation,
                             const OperationParameters& parameters);
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <opencv2/imgproc.hpp>
 
 namespace rendal {
@@ -62,7 +63,11 @@ class BlobTool : public testing::TestWithParam<int> {
     m_bench.m_srcImage = Parts();
     CaptureStdout();
   }
-  ~BlobTool() override { GetCapturedStdout(); }
+  // What a failed check printed meanwhile is not lost.
+  ~BlobTool() override {
+    const std::string text = GetCapturedStdout();
+    if (HasFailure()) std::printf("%s", text.c_str());
+  }
 
   std::string TakeConsole() {
     std::string text = GetCapturedStdout();
@@ -272,6 +277,243 @@ TEST(BlobToolModes, ConnectionListsTheSameRowsInBoth) {
   GetCapturedStdout();
   EXPECT_EQ(rows[0], rows[1]);
   EXPECT_EQ(rows[0].size(), 3u);
+}
+
+// What every button must show, from the image library's own morphology.
+struct ButtonCase {
+  RegionOperation operation;
+  const char* label;
+  const char* message;
+  cv::Mat (*expected)(const cv::Mat& older, const cv::Mat& last,
+                      const cv::Mat& kernel);
+};
+
+template <int operation>
+cv::Mat Morphology(const cv::Mat&, const cv::Mat& last, const cv::Mat& kernel) {
+  cv::Mat result;
+  cv::morphologyEx(last, result, operation, kernel);
+  return result;
+}
+
+cv::Mat Holes(const cv::Mat& mask) {
+  cv::Mat outside = mask.clone();
+  cv::floodFill(outside, cv::Point(0, 0), cv::Scalar(255));
+  return ~outside;
+}
+
+// Pixels whose four neighbours are not all set.
+cv::Mat InnerBoundary(const cv::Mat&, const cv::Mat& last, const cv::Mat&) {
+  cv::Mat inside;
+  cv::erode(last, inside,
+            cv::getStructuringElement(cv::MORPH_CROSS, cv::Size(3, 3)));
+  return last - inside;
+}
+
+const ButtonCase kButtons[] = {
+    {RegionOperation::kFillUp, "fill up", "fill_up done",
+     [](const cv::Mat&, const cv::Mat& last, const cv::Mat&) -> cv::Mat {
+       return last | Holes(last);
+     }},
+    {RegionOperation::kUnion, "union2", "union2 done",
+     [](const cv::Mat& older, const cv::Mat& last, const cv::Mat&) -> cv::Mat {
+       return older | last;
+     }},
+    {RegionOperation::kDifference, "difference", "difference done",
+     [](const cv::Mat& older, const cv::Mat& last, const cv::Mat&) -> cv::Mat {
+       return older & ~last;
+     }},
+    {RegionOperation::kIntersection, "intersection", "intersection done",
+     [](const cv::Mat& older, const cv::Mat& last, const cv::Mat&) -> cv::Mat {
+       return older & last;
+     }},
+    {RegionOperation::kDilation, "dilation1", "dilation1 done",
+     Morphology<cv::MORPH_DILATE>},
+    {RegionOperation::kErosion, "erosion1", "erosion1 done",
+     Morphology<cv::MORPH_ERODE>},
+    {RegionOperation::kOpening, "opening", "opening done",
+     Morphology<cv::MORPH_OPEN>},
+    {RegionOperation::kClosing, "closing", "closing done",
+     Morphology<cv::MORPH_CLOSE>},
+    {RegionOperation::kTopHat, "top_hat", "top_hat done",
+     Morphology<cv::MORPH_TOPHAT>},
+    {RegionOperation::kBottomHat, "bottom_hat", "bottom_hat done",
+     Morphology<cv::MORPH_BLACKHAT>},
+    {RegionOperation::kBoundary, "boundary", "boundary done", InnerBoundary},
+};
+
+TEST_P(BlobTool, EveryButtonShowsItsResultInRed) {
+  Threshold(m_bench, {200, 255});
+  Threshold(m_bench, {1, 220});
+  const cv::Mat older = Mask({200, 255});
+  const cv::Mat last = Mask({1, 220});
+  const cv::Mat kernel =
+      cv::getStructuringElement(cv::MORPH_RECT, cv::Size(5, 3));
+  for (const ButtonCase& button : kButtons) {
+    SCOPED_TRACE(button.message);
+    TakeConsole();
+    m_bench.m_redraw = -1;
+    const Status status = ApplyRegionOperation(m_bench, button.operation,
+                                               {{kRectangle, 5, 3}, "inner"});
+    ExpectStatus(status, Tone::kSuccess, button.message);
+    EXPECT_TRUE(
+        SamePicture(Shown(), RedWhere(button.expected(older, last, kernel))));
+    EXPECT_EQ(m_bench.m_regionOverlay.size(), 1u);
+    EXPECT_EQ(m_bench.m_redraw, 1);
+    EXPECT_EQ(m_bench.m_regionHistory.size(), 2u);
+    const std::string head = std::string(button.label) + "\nelasped time:";
+    EXPECT_EQ(TakeConsole().substr(0, head.size()), head);
+  }
+}
+
+TEST_P(BlobTool, ButtonsWithAnEmptyHistorySaySo) {
+  for (const ButtonCase& button : kButtons) {
+    SCOPED_TRACE(button.message);
+    const bool set_operation =
+        button.operation == RegionOperation::kUnion ||
+        button.operation == RegionOperation::kDifference ||
+        button.operation == RegionOperation::kIntersection;
+    ExpectStatus(ApplyRegionOperation(m_bench, button.operation, {}),
+                 Tone::kError,
+                 set_operation ? "The number of regions is less than 2, 0"
+                               : "no binarization yet, 0");
+    EXPECT_EQ(m_bench.m_redraw, 0);
+  }
+  EXPECT_EQ(TakeConsole(), "");
+}
+
+TEST_P(BlobTool, UnionAfterOneThresholdNamesTheCount) {
+  Threshold(m_bench, kBright);
+  m_bench.m_redraw = -1;
+  ExpectStatus(ApplyRegionOperation(m_bench, RegionOperation::kUnion, {}),
+               Tone::kError, "The number of regions is less than 2, 1");
+  EXPECT_EQ(m_bench.m_redraw, -1);
+  EXPECT_TRUE(SamePicture(Shown(), RedWhere(Mask(kBright))));
+}
+
+TEST_P(BlobTool, UnionAfterAnEmptyBandTakesTheTwoEarlierBinarisations) {
+  Threshold(m_bench, {255, 255});
+  Threshold(m_bench, {100, 100});
+  Threshold(m_bench, {30, 40});
+  ApplyRegionOperation(m_bench, RegionOperation::kUnion, {});
+  EXPECT_TRUE(
+      SamePicture(Shown(), RedWhere(Mask({255, 255}) | Mask({100, 100}))));
+}
+
+TEST_P(BlobTool, DifferenceAfterThreeThresholdsIsTheSecondMinusTheThird) {
+  Threshold(m_bench, {255, 255});
+  Threshold(m_bench, {1, 255});
+  Threshold(m_bench, {200, 255});
+  ApplyRegionOperation(m_bench, RegionOperation::kDifference, {});
+  EXPECT_TRUE(SamePicture(Shown(), RedWhere(Mask({1, 199}))));
+}
+
+TEST_P(BlobTool, ErosionAfterDilationStartsFromTheBinarisation) {
+  Threshold(m_bench, kBright);
+  const OperationParameters parameters{{kRectangle, 3, 3}, "inner"};
+  ApplyRegionOperation(m_bench, RegionOperation::kDilation, parameters);
+  ApplyRegionOperation(m_bench, RegionOperation::kErosion, parameters);
+  cv::Mat expected;
+  cv::erode(Mask(kBright), expected,
+            cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3)));
+  EXPECT_TRUE(SamePicture(Shown(), RedWhere(expected)));
+}
+
+// A single pixel dilated shows the element.
+TEST_P(BlobTool, ElementIsTheOneChosen) {
+  m_bench.m_srcImage = cv::Mat(41, 41, CV_8U, cv::Scalar(0));
+  m_bench.m_srcImage.at<unsigned char>(20, 20) = 255;
+  Threshold(m_bench, kBright);
+  const auto painted = [&](ElementChoice choice) {
+    ApplyRegionOperation(m_bench, RegionOperation::kDilation, {choice, ""});
+    cv::Mat mask;
+    cv::inRange(Shown(), cv::Scalar(0, 0, 255), cv::Scalar(0, 0, 255), mask);
+    return cv::boundingRect(mask);
+  };
+  EXPECT_EQ(painted({kRectangle, 7, 3}), cv::Rect(17, 19, 7, 3));
+  EXPECT_EQ(painted({kCross, 9, 5}), cv::Rect(16, 18, 9, 5));
+  EXPECT_EQ(painted({kCircle, 4, 100}), cv::Rect(16, 16, 9, 9));
+  EXPECT_EQ(painted({-1, 4, 1}), cv::Rect(16, 16, 9, 9));
+}
+
+TEST_P(BlobTool, BoundaryTypesDiffer) {
+  Threshold(m_bench, {255, 255});  // 25 x 40 at (60, 15) with a hole of 10 x 10
+  const auto pixels = [&](const char* type) {
+    ApplyRegionOperation(m_bench, RegionOperation::kBoundary, {{}, type});
+    cv::Mat mask;
+    cv::inRange(Shown(), cv::Scalar(0, 0, 255), cv::Scalar(0, 0, 255), mask);
+    return cv::countNonZero(mask);
+  };
+  const int rim = 2 * 25 + 2 * 38;
+  const int hole = 4 * 10;
+  EXPECT_EQ(pixels("inner"), rim + hole);
+  EXPECT_EQ(pixels("inner_filled"), rim);
+  EXPECT_EQ(pixels("outer"), 2 * 25 + 2 * 40 + 4 * 9);
+}
+
+TEST_P(BlobTool, EmptyResultShowsNothingButIsDone) {
+  Threshold(m_bench, kBright);
+  ExpectStatus(ApplyRegionOperation(m_bench, RegionOperation::kErosion,
+                                    {{kRectangle, 100, 100}, ""}),
+               Tone::kSuccess, "erosion1 done");
+  ASSERT_EQ(m_bench.m_regionOverlay.size(), 1u);
+  EXPECT_TRUE(m_bench.m_regionOverlay[0].chords.empty());
+}
+
+TEST_P(BlobTool, ButtonsInOtherModesShowAnEmptyResult) {
+  Threshold(m_bench, kBright);
+  Threshold(m_bench, kBright);
+  m_bench.m_parallelMode = -1;
+  for (const ButtonCase& button : kButtons) {
+    ExpectStatus(ApplyRegionOperation(m_bench, button.operation, {}),
+                 Tone::kSuccess, button.message);
+    EXPECT_TRUE(m_bench.m_regionOverlay[0].chords.empty());
+  }
+}
+
+TEST(BlobToolModes, EveryButtonShowsTheSameChordsInBoth) {
+  CaptureStdout();
+  cv::Mat image(200, 300, CV_8U, cv::Scalar(0));
+  cv::Mat noise = image(cv::Rect(20, 20, 260, 160));
+  cv::randu(noise, 0, 256);
+  cv::GaussianBlur(noise, noise, cv::Size(9, 9), 0);
+  cv::normalize(noise, noise, 0, 255, cv::NORM_MINMAX);
+  Workbench benches[2];
+  for (int mode = 0; mode < 2; ++mode) {
+    benches[mode].m_parallelMode = mode;
+    benches[mode].m_srcImage = image;
+    Threshold(benches[mode], {100, 200});
+    Threshold(benches[mode], kBright);
+  }
+  for (const char* type : {"inner", "inner_filled", "outer"}) {
+    for (const ElementChoice element :
+         {ElementChoice{kCircle, 3, 3}, ElementChoice{kRectangle, 7, 3},
+          ElementChoice{kCross, 5, 9}}) {
+      for (const ButtonCase& button : kButtons) {
+        SCOPED_TRACE(button.message);
+        std::vector<std::array<int, 3>> chords[2];
+        for (int mode = 0; mode < 2; ++mode) {
+          const Status status = ApplyRegionOperation(
+              benches[mode], button.operation, {element, type});
+          EXPECT_EQ(status.text, button.message);
+          for (const vexo::chord& c : benches[mode].m_regionOverlay[0].chords) {
+            chords[mode].push_back({c.row, c.col_begin, c.col_end});
+          }
+        }
+        EXPECT_FALSE(chords[0].empty());
+        EXPECT_EQ(chords[0], chords[1]);
+      }
+    }
+  }
+  GetCapturedStdout();
+}
+
+TEST(RegionOperationNames, EveryOperationIsFoundByItsName) {
+  EXPECT_EQ(OperationByName("fill_up"), RegionOperation::kFillUp);
+  EXPECT_EQ(OperationByName("union"), RegionOperation::kUnion);
+  EXPECT_EQ(OperationByName("bottom_hat"), RegionOperation::kBottomHat);
+  EXPECT_EQ(OperationByName("boundary"), RegionOperation::kBoundary);
+  EXPECT_EQ(OperationByName("skeleton"), std::nullopt);
+  EXPECT_EQ(OperationByName(""), std::nullopt);
 }
 
 TEST(GrayBandToggle, GoesToTheBrightHalfThenBackAndForth) {
