@@ -23,9 +23,15 @@ TEST_F(Mfc, ControlsAreBoundBeforeInitAndReleasedAfterDestroy) {
 }
 
 TEST_F(Mfc, DialogWithoutTemplateReturnsMinusOne) {
-  CDialogEx dialog(9999);
+  class CLostDlg : public CDialogEx {
+   public:
+    CLostDlg() : CDialogEx(9999) {}
+    void PostNcDestroy() override { Note("PostNcDestroy"); }
+  };
+  CLostDlg dialog;
   EXPECT_EQ(dialog.DoModal(), -1);
   EXPECT_EQ(dialog.m_hWnd, nullptr);
+  EXPECT_EQ(Calls(), Lines{"PostNcDestroy"});
 }
 
 TEST_F(Mfc, EndDialogInsideInitEndsWithoutALoop) {
@@ -79,6 +85,17 @@ TEST_F(Mfc, QuitMessageEndsTheLoopAndStays) {
   MSG message{};
   EXPECT_TRUE(::PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
   EXPECT_EQ(message.wParam, 3u);
+}
+
+TEST_F(Mfc, OwnerIsEnabledAgainWhenTheLoopIsQuit) {
+  Run([](CNotingDlg& outer) {
+    g_testApp.m_pMainWnd = &outer;
+    CNotingDlg inner([](CNotingDlg&) { ::PostQuitMessage(0); });
+    EXPECT_EQ(inner.DoModal(), -1);
+    EXPECT_TRUE(outer.IsWindowEnabled());
+    MSG quit{};
+    ::PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+  });
 }
 
 TEST_F(Mfc, ButtonReachesItsHandlerThroughAMixinBase) {

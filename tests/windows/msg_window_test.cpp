@@ -143,10 +143,18 @@ TEST_F(MsgWindow, PaintsABoldTitleAndAWrappedTextOnWhite) {
   EXPECT_EQ(Count(kWhite, CRect(0, 0, client.right, 10)), client.Width() * 10);
 }
 
-TEST_F(MsgWindow, LongTextWrapsAndAmpersandsStay) {
+TEST_F(MsgWindow, AmpersandIsTextLikeAnyOther) {
+  ASSERT_TRUE(m_window->Create(&m_parent, L"", 300, 180));
+  m_window->SetContent(L"&", L"&", L"");
+  m_window->Show(0);
+  EXPECT_GT(Count(kTitleGray, CRect(10, 10, 40, 40)), 0);
+  EXPECT_LT(Count(kWhite, CRect(10, 40, 40, 70)), 30 * 30);
+}
+
+TEST_F(MsgWindow, LongTextWraps) {
   ASSERT_TRUE(m_window->Create(&m_parent, L"", 300, 180));
   CString words;
-  for (int i = 0; i < 60; ++i) words += L"wide & word ";
+  for (int i = 0; i < 60; ++i) words += L"wide word ";
   m_window->SetContent(L"", words, L"");
   m_window->Show(0);
   CRect client;
