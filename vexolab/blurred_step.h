@@ -45,7 +45,7 @@ inline step_value blurred_step(float z) {
       (0.319381530f +
        t * (-0.356563782f +
             t * (1.781477937f + t * (-1.821255978f + t * 1.330274429f))));
-  return {z < 0 ? tail : 1.0f - tail, density};
+  return {0.5f + std::copysign(0.5f - tail, z), density};
 }
 
 }  // namespace vexolab

@@ -42,6 +42,13 @@ inline frame frame_of(double x, double y, double phi, double half_length,
   return {x, y, std::cos(angle), std::sin(angle), half_length, half_width};
 }
 
+// std::floor without a library call where the processor has no instruction for
+// it. |value| below 2^31.
+inline int floor_of(double value) {
+  const int whole = static_cast<int>(value);
+  return whole - (value < whole ? 1 : 0);
+}
+
 // How far a circle of the given curvature, tangent to the cross direction at
 // v = 0, has left it at v: positive curvature bends toward positive u. The
 // fourth-order term is the circle's own to 1 % for sagittas up to its radius

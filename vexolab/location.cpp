@@ -216,7 +216,7 @@ location locator::locate(const image& picture, const frame& f, const profile& p,
       const double moved =
           move(backward<kCoreUnknowns>(e.matrix, y), bounds, &m);
       if (!(m.step * found.amplitude > 0)) return result;
-      if (moved < 0.01) break;
+      if (moved < 0.03) break;
     }
     const bool turned = std::fabs(m.tilt) > 0.75;
     const bool widened = std::fabs(m.blur - start_blur) > 0.4 * start_blur;

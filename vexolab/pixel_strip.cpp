@@ -19,13 +19,14 @@ struct span {
 };
 
 // Narrows s to the x with low <= slope * x + offset <= high.
-void narrow(double slope, double offset, double low, double high, span* s) {
+void narrow(double slope, double inverse, double offset, double low,
+            double high, span* s) {
   if (std::fabs(slope) < 1e-9) {
     if (offset < low || offset > high) *s = {1, 0};
     return;
   }
-  const double a = (low - offset) / slope;
-  const double b = (high - offset) / slope;
+  const double a = (low - offset) * inverse;
+  const double b = (high - offset) * inverse;
   s->low = std::max(s->low, std::min(a, b));
   s->high = std::min(s->high, std::max(a, b));
 }
@@ -34,10 +35,7 @@ void narrow(double slope, double offset, double low, double high, span* s) {
 
 void pixel_strip::gather(const image& picture, const frame& f,
                          const strip_bounds& b) {
-  t_.clear();
-  v_.clear();
-  grey_.clear();
-  weight_.clear();
+  size_ = 0;
   const double v_reach = b.half_width + kHalfPixel;
   // How far the curve strays from u = centre within the strip.
   const double reach = std::fabs(b.tilt) * v_reach +
@@ -52,48 +50,62 @@ void pixel_strip::gather(const image& picture, const frame& f,
       static_cast<int>(std::clamp(std::ceil(low), 0.0, picture.height * 1.0));
   const int last = static_cast<int>(
       std::clamp(std::floor(high), -1.0, picture.height - 1.0));
-  for (int y = first; y <= last; ++y) add_row(picture, f, b, y, reach);
-  size_ = t_.size();
+  const inverses inverse = {1 / f.cos, 1 / f.sin, 1 / b.half_width};
+  for (int y = first; y <= last; ++y) {
+    add_row(picture, f, b, inverse, y, reach);
+  }
   pad();
 }
 
 void pixel_strip::add_row(const image& picture, const frame& f,
-                          const strip_bounds& b, int y, double reach) {
+                          const strip_bounds& b, const inverses& inverse, int y,
+                          double reach) {
   const double dy = y - f.y;
   const double v_reach = b.half_width + kHalfPixel;
   span dx = {-f.x, picture.width - 1 - f.x};
-  narrow(f.cos, -dy * f.sin - b.centre, b.before - reach, b.after + reach, &dx);
-  narrow(f.sin, dy * f.cos, -v_reach, v_reach, &dx);
+  narrow(f.cos, inverse.cos, -dy * f.sin - b.centre, b.before - reach,
+         b.after + reach, &dx);
+  narrow(f.sin, inverse.sin, dy * f.cos, -v_reach, v_reach, &dx);
   if (!(dx.low <= dx.high)) return;
-  const int first = static_cast<int>(std::ceil(f.x + dx.low));
-  const int last = static_cast<int>(std::floor(f.x + dx.high));
+  const int first = std::max(-floor_of(-(f.x + dx.low)), 0);
+  const int last = std::min(floor_of(f.x + dx.high), picture.width - 1);
+  if (first > last) return;
+  reserve(static_cast<size_t>(last - first) + 1);
   const unsigned char* row =
       picture.data + static_cast<ptrdiff_t>(y) * picture.width;
-  const double scale = 1 / b.half_width;
-  for (int x = std::max(first, 0); x <= std::min(last, picture.width - 1);
-       ++x) {
-    const double u = f.u_of(x, y);
-    const double v = f.v_of(x, y);
-    const double t = u - b.centre - sagitta(b.curvature, v);
+  const double row_u = -f.x * f.cos - dy * f.sin - b.centre;
+  const double row_v = -f.x * f.sin + dy * f.cos;
+  size_t n = size_;
+  for (int x = first; x <= last; ++x) {
+    const double v = x * f.sin + row_v;
+    const double t = x * f.cos + row_u - sagitta(b.curvature, v);
     const double along = t - b.tilt * v;
     const double weight = std::min(v_reach - std::fabs(v), 1.0);
-    if (along < b.before - kBorder || along > b.after + kBorder ||
-        weight <= 0) {
-      continue;
-    }
-    t_.push_back(static_cast<float>(t));
-    v_.push_back(static_cast<float>(v * scale));
-    grey_.push_back(static_cast<float>(row[x]));
-    weight_.push_back(static_cast<float>(weight));
+    t_[n] = static_cast<float>(t);
+    v_[n] = static_cast<float>(v * inverse.half_width);
+    grey_[n] = static_cast<float>(row[x]);
+    weight_[n] = static_cast<float>(weight);
+    const bool inside =
+        along >= b.before - kBorder && along <= b.after + kBorder && weight > 0;
+    n += inside ? 1 : 0;
+  }
+  size_ = n;
+}
+
+// Room for so many more pixels and the padding.
+void pixel_strip::reserve(size_t more) {
+  const size_t needed = size_ + more + kLanes;
+  if (needed <= t_.size()) return;
+  for (std::vector<float>* values : {&t_, &v_, &grey_, &weight_}) {
+    values->resize(2 * needed);
   }
 }
 
 void pixel_strip::pad() {
-  const size_t padded = (size_ + kLanes - 1) / kLanes * kLanes;
-  t_.resize(padded, 0.0f);
-  v_.resize(padded, 0.0f);
-  grey_.resize(padded, 0.0f);
-  weight_.resize(padded, 0.0f);
+  reserve(0);
+  for (size_t i = size_; i < padded_size(); ++i) {
+    t_[i] = v_[i] = grey_[i] = weight_[i] = 0;
+  }
 }
 
 }  // namespace vexolab

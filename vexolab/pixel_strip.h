@@ -31,7 +31,7 @@ class pixel_strip {
   // Cost: about 3 ns a pixel.
   void gather(const image& picture, const frame& f, const strip_bounds& b);
 
-  size_t padded_size() const { return t_.size(); }
+  size_t padded_size() const { return (size_ + kLanes - 1) / kLanes * kLanes; }
   size_t size() const { return size_; }
 
   const float* t() const { return t_.data(); }  // u - centre - sagitta
@@ -41,8 +41,14 @@ class pixel_strip {
   const float* weight() const { return weight_.data(); }
 
  private:
+  struct inverses {
+    double cos;
+    double sin;
+    double half_width;
+  };
   void add_row(const image& picture, const frame& f, const strip_bounds& b,
-               int y, double reach);
+               const inverses& inverse, int y, double reach);
+  void reserve(size_t more);
   void pad();
 
   size_t size_ = 0;

@@ -11,10 +11,15 @@ namespace {
 // Coordinates along a line in 32.32 fixed point: the whole part by a shift, the
 // same value for a sample however the line is cut.
 constexpr double kFixedOne = 4294967296.0;
-constexpr float kFraction = 1.0f / 16777216.0f;
+
+// Weights of the four pixels around a sample have 12 bits: 255 * 2^24 still
+// fits 32 bits, and a constant image gives a constant profile exactly.
+constexpr int kWeightBits = 12;
+constexpr int kToWeight = 32 - kWeightBits;
+constexpr double kSampleOne = 1 << (2 * kWeightBits);
 
 int64_t to_fixed(double value) {
-  return static_cast<int64_t>(std::floor(value * kFixedOne));
+  return static_cast<int64_t>(value * kFixedOne);
 }
 
 struct interval {
@@ -48,43 +53,47 @@ interval range_of_corners(const image& picture, Coordinate coordinate) {
   return {*low, *high};
 }
 
+// Farther from the image's origin no line meets it that is at most the
+// longest rectangle long.
+constexpr double kFarthest = 1e9;
+
 struct line_walk {
   int64_t x;
   int64_t y;
   int64_t step_x;
   int64_t step_y;
+
+  line_walk from(int i) const {
+    return {x + i * step_x, y + i * step_y, step_x, step_y};
+  }
+  bool inside(const image& picture, int i) const {
+    const line_walk at = from(i);
+    return at.x >= 0 && at.y >= 0 &&
+           at.x <= static_cast<int64_t>(picture.width - 1) << 32 &&
+           at.y <= static_cast<int64_t>(picture.height - 1) << 32;
+  }
 };
 
-bool in_image(const image& picture, int64_t x, int64_t y) {
-  const int64_t last_x = static_cast<int64_t>(picture.width - 1) << 32;
-  const int64_t last_y = static_cast<int64_t>(picture.height - 1) << 32;
-  return x >= 0 && y >= 0 && x <= last_x && y <= last_y;
-}
-
 // Adds the bilinear samples of n steps, all inside the image.
-void add_samples(const image& picture, line_walk w, int n, float* sums) {
+void add_samples(const image& picture, line_walk w, int n, uint64_t* sums) {
   const int last_x = picture.width - 2;
   const int last_y = picture.height - 2;
   for (int k = 0; k < n; ++k) {
+    // At the last column and row the weight of the pixel beyond would be 0;
+    // the weight 1 of the one before it does the same.
     const int x = std::min(static_cast<int>(w.x >> 32), last_x);
     const int y = std::min(static_cast<int>(w.y >> 32), last_y);
-    const auto rest_x = w.x - (static_cast<int64_t>(x) << 32);
-    const auto rest_y = w.y - (static_cast<int64_t>(y) << 32);
-    const float fx =
-        static_cast<float>(static_cast<int>(rest_x >> 8)) * kFraction;
-    const float fy =
-        static_cast<float>(static_cast<int>(rest_y >> 8)) * kFraction;
+    const int fx = static_cast<int>((w.x >> kToWeight) -
+                                    (static_cast<int64_t>(x) << kWeightBits));
+    const int fy = static_cast<int>((w.y >> kToWeight) -
+                                    (static_cast<int64_t>(y) << kWeightBits));
     const unsigned char* p =
         picture.data + static_cast<ptrdiff_t>(y) * picture.width + x;
-    const int p00 = p[0];
-    const int p01 = p[1];
-    const int p10 = p[picture.width];
-    const int p11 = p[picture.width + 1];
-    const float top =
-        static_cast<float>(p00) + fx * static_cast<float>(p01 - p00);
-    const float bottom =
-        static_cast<float>(p10) + fx * static_cast<float>(p11 - p10);
-    sums[k] += top + fy * (bottom - top);
+    const unsigned char* q = p + picture.width;
+    const int top = (p[0] << kWeightBits) + fx * (p[1] - p[0]);
+    const int bottom = (q[0] << kWeightBits) + fx * (q[1] - q[0]);
+    sums[k] += (static_cast<uint64_t>(top) << kWeightBits) +
+               static_cast<uint64_t>(static_cast<int64_t>(fy) * (bottom - top));
     w.x += w.step_x;
     w.y += w.step_y;
   }
@@ -94,7 +103,7 @@ void add_samples(const image& picture, line_walk w, int n, float* sums) {
 
 void profile::sample(const image& picture, const frame& f, double curvature) {
   size_ = 0;
-  const int length = static_cast<int>(std::floor(2 * f.half_length + 1e-6)) + 1;
+  const int length = floor_of(2 * f.half_length + 1e-6) + 1;
   const double width = 2 * f.half_width;
   lines_ = std::max(1, static_cast<int>(std::lround(width)));
   first_u_ = -0.5 * (length - 1);
@@ -121,7 +130,7 @@ void profile::sample(const image& picture, const frame& f, double curvature) {
   if (end_ <= begin_ || 2 * (last_line - first_line) < lines_) return;
 
   const auto n = static_cast<size_t>(end_ - begin_);
-  sums_.assign(n, 0.0f);
+  sums_.assign(n, 0);
   counts_.assign(n + 1, 0);
   for (int j = first_line; j < last_line; ++j) {
     const double v = first_v + j * spacing;
@@ -153,27 +162,26 @@ void profile::add_line(const image& picture, const frame& f, double v,
   const double u0 = first_u_ + begin_ + shift;
   const double x0 = f.image_x(u0, v);
   const double y0 = f.image_y(u0, v);
-  const interval all = {0.0, static_cast<double>(end_ - begin_ - 1)};
-  const interval k =
-      intersection(all, intersection(inside(x0, f.cos, picture.width - 1),
-                                     inside(y0, -f.sin, picture.height - 1)));
-  if (!(k.low <= k.high)) return;
-  // One step wider than computed, then cut by the very coordinates used.
-  int first = static_cast<int>(std::floor(k.low));
-  int last = static_cast<int>(std::ceil(k.high));
-  const line_walk start = {to_fixed(x0), to_fixed(y0), to_fixed(f.cos),
-                           to_fixed(-f.sin)};
-  const auto inside_at = [&](int i) {
-    return in_image(picture, start.x + i * start.step_x,
-                    start.y + i * start.step_y);
-  };
-  while (first <= last && !inside_at(first)) ++first;
-  while (last > first && !inside_at(last)) --last;
-  if (first > last) return;
-  add_samples(picture,
-              {start.x + first * start.step_x, start.y + first * start.step_y,
-               start.step_x, start.step_y},
-              last - first + 1, sums_.data() + first);
+  if (std::fabs(x0) > kFarthest || std::fabs(y0) > kFarthest) return;
+  const line_walk line = {to_fixed(x0), to_fixed(y0), to_fixed(f.cos),
+                          to_fixed(-f.sin)};
+  int first = 0;
+  int last = end_ - begin_ - 1;
+  if (!line.inside(picture, first) || !line.inside(picture, last)) {
+    const interval k =
+        intersection({0.0, static_cast<double>(last)},
+                     intersection(inside(x0, f.cos, picture.width - 1),
+                                  inside(y0, -f.sin, picture.height - 1)));
+    if (!(k.low <= k.high)) return;
+    // One step wider than computed, then cut by the very coordinates used.
+    first = floor_of(k.low);
+    last = std::min(floor_of(k.high) + 1, last);
+    while (first <= last && !line.inside(picture, first)) ++first;
+    while (last > first && !line.inside(picture, last)) --last;
+    if (first > last) return;
+  }
+  add_samples(picture, line.from(first), last - first + 1,
+              sums_.data() + first);
   ++counts_[static_cast<size_t>(first)];
   --counts_[static_cast<size_t>(last) + 1];
 }
@@ -184,8 +192,8 @@ void profile::keep_valid_interval(int begin, int end) {
   values_.resize(static_cast<size_t>(size_));
   for (int k = 0; k < size_; ++k) {
     const auto from = static_cast<size_t>(begin + k);
-    values_[static_cast<size_t>(k)] =
-        sums_[from] / static_cast<float>(counts_[from]);
+    values_[static_cast<size_t>(k)] = static_cast<float>(
+        static_cast<double>(sums_[from]) / (kSampleOne * counts_[from]));
   }
 }
 

@@ -5,6 +5,7 @@
 #define VEXOLAB_PROFILE_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "vexolab/frame.h"
@@ -40,7 +41,7 @@ class profile {
   double first_u_ = 0;
   int begin_ = 0;  // of the positions that can meet the image
   int end_ = 0;
-  std::vector<float> sums_;
+  std::vector<uint64_t> sums_;
   std::vector<int> counts_;
   std::vector<float> values_;
 };

@@ -19,9 +19,11 @@ struct lanes {
 };
 
 double sum_of(const lanes& a) {
-  double sum = 0;
-  for (const float value : a.value) sum += value;
-  return sum;
+  lanes s = a;
+  for (int half = kLanes / 2; half > 0; half /= 2) {
+    for (int l = 0; l < half; ++l) s.value[l] += s.value[l + half];
+  }
+  return s.value[0];
 }
 
 // The columns of the pixels at `from`, and their weighted residuals.

@@ -64,6 +64,7 @@ class report {
 // Each group appends its rows; the seed shifts every random choice in it.
 void edges(report* r, uint64_t seed);   // B
 void shapes(report* r, uint64_t seed);  // D
+void speed(report* r, uint64_t seed);   // G
 
 // printf into a string.
 template <typename... Values>
