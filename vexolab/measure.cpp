@@ -19,6 +19,14 @@ namespace {
 constexpr double kIlluminationCaution = 4;
 constexpr double kCurvatureCaution = 8;
 
+// Blur that is the same in all directions moves a curved edge toward its centre
+// of curvature: by c s^2 / 2 (Verbeek and van Vliet 1994). The second term was
+// found by measuring discs of 8 to 20 px radius.
+double blur_displacement(double curvature, double blur) {
+  const double cs = curvature * blur;
+  return 0.5 * cs * blur * (1 - cs * cs);
+}
+
 // The dearer a doubt would be in noise, the more evidence it needs.
 double illumination_caution(const location& l) {
   return kIlluminationCaution * (1 + l.illumination.variance / l.variance);
@@ -110,7 +118,7 @@ void measure_rectangles(const image& picture, const detection& how,
       const double c = curvatures[i];
       u += (c - assumed[i]) * l.per_curvature;
       u += admitted(l.illumination, illumination_caution(l));
-      u -= 0.5 * c * l.blur * l.blur;
+      u -= blur_displacement(c, l.blur);
     }
     const double limit = frames[i].half_length;
     u = std::clamp(u, -limit, limit);

@@ -54,7 +54,22 @@ void pixel_strip::gather(const image& picture, const frame& f,
   for (int y = first; y <= last; ++y) {
     add_row(picture, f, b, inverse, y, reach);
   }
+  if (b.curvature != 0) bend(b);
   pad();
+}
+
+// Replaces u by the distance from the circle through (0, 0): exactly, since its
+// second order is a shift of the edge, not only a shear.
+void pixel_strip::bend(const strip_bounds& b) {
+  const auto c = static_cast<float>(b.curvature);
+  const auto half_width = static_cast<float>(b.half_width);
+  for (size_t i = 0; i < size_; ++i) {
+    const float u = t_[i];
+    const float v = v_[i] * half_width;
+    const float w = 1.0f - c * u;
+    t_[i] = (2.0f * u - c * (u * u + v * v)) /
+            (1.0f + std::sqrt(w * w + c * c * v * v));
+  }
 }
 
 void pixel_strip::add_row(const image& picture, const frame& f,
@@ -78,10 +93,10 @@ void pixel_strip::add_row(const image& picture, const frame& f,
   size_t n = size_;
   for (int x = first; x <= last; ++x) {
     const double v = x * f.sin + row_v;
-    const double t = x * f.cos + row_u - sagitta(b.curvature, v);
-    const double along = t - b.tilt * v;
+    const double u = x * f.cos + row_u;
+    const double along = u - sagitta(b.curvature, v) - b.tilt * v;
     const double weight = std::min(v_reach - std::fabs(v), 1.0);
-    t_[n] = static_cast<float>(t);
+    t_[n] = static_cast<float>(u);
     v_[n] = static_cast<float>(v * inverse.half_width);
     grey_[n] = static_cast<float>(row[x]);
     weight_[n] = static_cast<float>(weight);

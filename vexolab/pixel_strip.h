@@ -12,8 +12,8 @@
 
 namespace vexolab {
 
-// Where the strip lies: along the curve u = centre + tilt v + sagitta(v), from
-// `before` to `after` it.
+// Where the strip lies: along the curve u = centre + tilt v + sagitta(v), with
+// distances from it, along its normals, from `before` to `after`.
 struct strip_bounds {
   double centre;
   double tilt;
@@ -34,7 +34,9 @@ class pixel_strip {
   size_t padded_size() const { return (size_ + kLanes - 1) / kLanes * kLanes; }
   size_t size() const { return size_; }
 
-  const float* t() const { return t_.data(); }  // u - centre - sagitta
+  const float* t() const {
+    return t_.data();
+  }  // distance from the curve without tilt
   const float* v() const { return v_.data(); }  // v / half_width
   const float* grey() const { return grey_.data(); }
   // How much of the pixel's width lies in the strip, 0 to 1.
@@ -48,6 +50,7 @@ class pixel_strip {
   };
   void add_row(const image& picture, const frame& f, const strip_bounds& b,
                const inverses& inverse, int y, double reach);
+  void bend(const strip_bounds& b);
   void reserve(size_t more);
   void pad();
 
