@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/view/image_loader.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <new>
+#include <limits>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -68,21 +69,30 @@ cv::Mat ReadImage(const fs::path& path) {
   return image;
 }
 
-// Smallest and largest finite value of a one-channel float image; 0, 0 when
-// there is none.
-std::pair<double, double> FiniteRange(const cv::Mat& image) {
-  double low = 0;
-  double high = 0;
-  bool any = false;
+// One row at a time as double precision, so that a large image needs no second
+// copy of itself.
+template <typename Visit>
+void ForEachRow(const cv::Mat& image, Visit visit) {
+  cv::Mat values;
   for (int r = 0; r < image.rows; ++r) {
-    const double* const row = image.ptr<double>(r);
+    image.row(r).convertTo(values, CV_64F);
+    visit(r, values.ptr<double>());
+  }
+}
+
+// Smallest and largest finite value of a one-channel image; 0, 0 when there is
+// none.
+std::pair<double, double> FiniteRange(const cv::Mat& image) {
+  double low = std::numeric_limits<double>::infinity();
+  double high = -low;
+  ForEachRow(image, [&](int, const double* row) {
     for (int c = 0; c < image.cols; ++c) {
       if (!std::isfinite(row[c])) continue;
-      low = any ? std::min(low, row[c]) : row[c];
-      high = any ? std::max(high, row[c]) : row[c];
-      any = true;
+      low = std::min(low, row[c]);
+      high = std::max(high, row[c]);
     }
-  }
+  });
+  if (low > high) return {0, 0};
   return {low, high};
 }
 
@@ -95,15 +105,14 @@ unsigned char Stretch(double value, double low, double high) {
 }
 
 cv::Mat StretchRange(const cv::Mat& grey, std::string* note) {
-  cv::Mat values;
-  grey.convertTo(values, CV_64F);
-  const auto [low, high] = FiniteRange(values);
-  cv::Mat result(values.size(), CV_8U);
-  for (int r = 0; r < values.rows; ++r) {
-    const double* const from = values.ptr<double>(r);
+  const auto range = FiniteRange(grey);
+  const double low = range.first;
+  const double high = range.second;
+  cv::Mat result(grey.size(), CV_8U);
+  ForEachRow(grey, [&](int r, const double* row) {
     unsigned char* const to = result.ptr(r);
-    for (int c = 0; c < values.cols; ++c) to[c] = Stretch(from[c], low, high);
-  }
+    for (int c = 0; c < grey.cols; ++c) to[c] = Stretch(row[c], low, high);
+  });
   if (note != nullptr) {
     char text[96];
     std::snprintf(text, sizeof text, "grey 0..255 shows values %g..%g", low,
