@@ -19,13 +19,15 @@ constexpr size_t kBufferBytes = 8192;
 
 // The descriptor that freopen_s leaves is write-only, and programs that
 // inherit it (the shell that runs CLS) cannot ask it for the screen's size.
+// Binary, because the C runtime takes the bytes of a text-mode console for
+// characters of its own locale; the console itself understands line feeds.
 void GiveStandardOutputReadAccess() {
   const HANDLE screen = ::CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
   if (screen == INVALID_HANDLE_VALUE) return;
   const int descriptor =
-      ::_open_osfhandle(reinterpret_cast<intptr_t>(screen), _O_TEXT);
+      ::_open_osfhandle(reinterpret_cast<intptr_t>(screen), _O_BINARY);
   if (descriptor < 0) {
     ::CloseHandle(screen);
     return;
