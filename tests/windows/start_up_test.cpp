@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: MIT
+//
+// How the program starts and ends.
+#include <cstdio>
+#include <regex>
+#include <thread>
+
+#include "app/build_date.h"
+#include "app/rendal_app.h"
+#include "app/start_options.h"
+#include "tests/windows/gui_objects.h"
+#include "tests/windows/main_dialog.h"
+
+namespace {
+
+class StartUp : public MainDialogTest {
+ protected:
+  static HWND PopUp() {
+    HWND found = nullptr;
+    ::EnumThreadWindows(
+        ::GetCurrentThreadId(),
+        [](HWND window, LPARAM result) -> BOOL {
+          constexpr LONG kNotice =
+              WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE;
+          if ((::GetWindowLongW(window, GWL_EXSTYLE) & kNotice) == kNotice &&
+              ::IsWindowVisible(window)) {
+            *reinterpret_cast<HWND*>(result) = window;
+          }
+          return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+  }
+  // The system menu's last item.
+  std::pair<UINT, std::wstring> LastSystemCommand() const {
+    const HMENU menu = ::GetSystemMenu(dialog.m_hWnd, FALSE);
+    const int last = ::GetMenuItemCount(menu) - 1;
+    wchar_t text[64] = L"";
+    ::GetMenuStringW(menu, static_cast<UINT>(last), text, 64, MF_BYPOSITION);
+    return {::GetMenuItemID(menu, last), text};
+  }
+};
+
+TEST_F(StartUp, TitleCarriesTheBuildDate) {
+  Run([&] {
+    const std::wregex title(L"测量    20[0-9][0-9]-[01][0-9]-[0-3][0-9]");
+    EXPECT_TRUE(std::regex_match(TextOf(dialog.m_hWnd), title));
+  });
+}
+
+TEST(BuildDate, ReadsTheCompilersDate) {
+  using rendal::BuildDate;
+  using rendal::ParseBuildDate;
+  EXPECT_EQ(ParseBuildDate("Nov 21 2026"), (BuildDate{2026, 11, 21}));
+  EXPECT_EQ(ParseBuildDate("Jan  1 2027"), (BuildDate{2027, 1, 1}));
+  EXPECT_EQ(ParseBuildDate("Dec 31 1999"), (BuildDate{1999, 12, 31}));
+}
+
+TEST_F(StartUp, FrameCannotBeResized) {
+  Run([&] {
+    const LONG style = ::GetWindowLongW(dialog.m_hWnd, GWL_STYLE);
+    EXPECT_FALSE(style & WS_THICKFRAME);
+    EXPECT_TRUE(style & WS_CAPTION);
+    EXPECT_TRUE(style & WS_SYSMENU);
+    EXPECT_TRUE(style & WS_MINIMIZEBOX);
+    EXPECT_FALSE(style & WS_MAXIMIZEBOX);
+  });
+}
+
+TEST_F(StartUp, BothIconsAreTheApplications) {
+  Run([&] {
+    EXPECT_NE(::SendMessageW(dialog.m_hWnd, WM_GETICON, ICON_BIG, 0), 0);
+    EXPECT_EQ(::SendMessageW(dialog.m_hWnd, WM_GETICON, ICON_BIG, 0),
+              ::SendMessageW(dialog.m_hWnd, WM_GETICON, ICON_SMALL, 0));
+    EXPECT_EQ(::SendMessageW(dialog.m_hWnd, WM_QUERYDRAGICON, 0, 0),
+              ::SendMessageW(dialog.m_hWnd, WM_GETICON, ICON_BIG, 0));
+  });
+}
+
+TEST_F(StartUp, SystemMenuEndsWithAbout) {
+  Run([&] {
+    EXPECT_EQ(LastSystemCommand(),
+              (std::pair<UINT, std::wstring>(16, L"关于 Rendal(&A)...")));
+  });
+}
+
+TEST_F(StartUp, EnglishSystemMenuEndsWithAbout) {
+  dialog.m_language = rendal::kEnglish;
+  Run([&] {
+    EXPECT_EQ(LastSystemCommand(),
+              (std::pair<UINT, std::wstring>(16, L"&About Rendal...")));
+  });
+}
+
+TEST_F(StartUp, AboutCommandShowsTheAboutBox) {
+  for (const int32_t language : {rendal::kChinese, rendal::kEnglish}) {
+    dialog.m_language = language;
+    const bool chinese = language == rendal::kChinese;
+    int shown = 0;
+    Run([&] {
+      WithModal([&] { ::SendMessageW(dialog.m_hWnd, WM_SYSCOMMAND, 16, 0); },
+                [&](HWND about) {
+                  ++shown;
+                  EXPECT_EQ(TextOf(about),
+                            chinese ? L"关于 Rendal" : L"About Rendal");
+                  EXPECT_EQ(
+                      TextOf(::GetDlgItem(about, IDC_ABOUT_TEXT)),
+                      chinese ? L"Rendal，版本 1.0" : L"Rendal, version 1.0");
+                  EXPECT_EQ(TextOf(::GetDlgItem(about, IDOK)),
+                            chinese ? L"确定" : L"OK");
+                  ::PostMessageW(about, WM_COMMAND, IDOK, 0);
+                });
+      EXPECT_TRUE(::IsWindowEnabled(dialog.m_hWnd));
+    });
+    EXPECT_EQ(shown, 1);
+  }
+}
+
+TEST_F(StartUp, StateBeforeTheFirstLoad) {
+  Run([&] {
+    EXPECT_EQ(dialog.m_redraw, 0);
+    EXPECT_EQ(dialog.m_language, 0);
+    EXPECT_EQ(dialog.m_parallelMode, 1);
+    EXPECT_TRUE(dialog.m_srcImage.empty());
+    EXPECT_GE(dialog.m_regionHistory.capacity(), 3u);
+    EXPECT_TRUE(dialog.m_regionHistory.empty());
+    EXPECT_TRUE(dialog.m_regionOverlay.empty());
+    const std::vector<std::vector<float>> expected = {
+        {0, 0, 100, 100}, {0, 0, 100}, {0, 0, 100, 100}, {100, 100, 0, 40, 20}};
+    ASSERT_EQ(dialog.m_roiShapes.size(), 4u);
+    for (size_t i = 0; i < expected.size(); ++i) {
+      EXPECT_EQ(dialog.m_roiShapes[i].kind, i);
+      for (size_t k = 0; k < expected[i].size(); ++k) {
+        EXPECT_EQ(dialog.m_roiShapes[i].values[k], expected[i][k]) << i;
+      }
+    }
+  });
+}
+
+TEST_F(StartUp, RequestAndHidingStandSideBySide) {
+  EXPECT_EQ(&dialog.m_hideResults, &dialog.m_redraw + 1);
+}
+
+TEST_F(StartUp, WelcomeWindowStandsInTheCorner) {
+  Run([&] {
+    const HWND popUp = PopUp();
+    ASSERT_NE(popUp, nullptr);
+    CRect place, client, work;
+    ::GetWindowRect(popUp, &place);
+    ::GetClientRect(popUp, &client);
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    EXPECT_EQ(place.Size(), CSize(300, 180));
+    EXPECT_EQ(place.left, work.right - client.Width());
+    EXPECT_EQ(place.top, work.bottom - client.Height());
+  });
+}
+
+TEST_F(StartUp, RightClickClosesTheWelcomeWindow) {
+  Run([&] {
+    const HWND popUp = PopUp();
+    ::SendMessageW(popUp, WM_RBUTTONDOWN, MK_RBUTTON, 0);
+    EXPECT_FALSE(::IsWindow(popUp));
+  });
+}
+
+TEST_F(StartUp, ConsoleIsNamedAndInTheCorner) {
+  wchar_t title[64] = L"";
+  RECT place = {-1, -1, -1, -1};
+  RunOnConsole([&] {
+    ::GetConsoleTitleW(title, 64);
+    const HWND console = ::GetConsoleWindow();
+    if (console != nullptr) ::GetWindowRect(console, &place);
+  });
+  EXPECT_STREQ(title, L"Debug Output");
+  EXPECT_EQ(place.left, 0);
+  EXPECT_EQ(place.top, 0);
+}
+
+TEST_F(StartUp, ConsoleShowsChineseAndClsEmptiesIt) {
+  std::vector<std::wstring> before, after, next;
+  RunOnConsole([&] {
+    std::printf("路径 = 图像.png\n");
+    std::fflush(stdout);
+    before = ConsoleRows();
+    Click(1031);
+    after = ConsoleRows();
+    std::printf("next\n");
+    std::fflush(stdout);
+    next = ConsoleRows();
+  });
+  ASSERT_GE(before.size(), 2u);
+  EXPECT_EQ(before[before.size() - 2], L"路径 = 图像.png");
+  for (const std::wstring& row : after) EXPECT_EQ(row, L"");
+  EXPECT_EQ(after.size(), next.size() - 1);
+  EXPECT_LE(next.size(), 3u);
+  EXPECT_EQ(next[next.size() - 2], L"next");
+}
+
+// Keys that the console's window got, as its input buffer tells: a key of 27
+// that ends no selection arrives there.
+TEST_F(StartUp, CommandsSendEscapeToTheConsoleAndNotificationsDoNot) {
+  Run([&] {
+    const HANDLE input = ::CreateFileW(L"CONIN$", GENERIC_READ | GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(input, INVALID_HANDLE_VALUE);
+    const auto escapes = [&] {
+      INPUT_RECORD records[32];
+      DWORD count = 0;
+      ::PeekConsoleInputW(input, records, 32, &count);
+      std::vector<BOOL> downs;
+      for (DWORD i = 0; i < count; ++i) {
+        if (records[i].EventType == KEY_EVENT &&
+            records[i].Event.KeyEvent.wVirtualKeyCode == VK_ESCAPE) {
+          downs.push_back(records[i].Event.KeyEvent.bKeyDown);
+        }
+      }
+      return downs;
+    };
+    ::FlushConsoleInputBuffer(input);
+    ::SetWindowTextW(Control(1004), L"21");
+    Click(1020);
+    EXPECT_TRUE(PumpUntil([&] { return escapes().size() >= 2; }));
+    EXPECT_EQ(escapes(), (std::vector<BOOL>{TRUE, FALSE}));
+    ::CloseHandle(input);
+  });
+}
+
+TEST_F(StartUp, CloseBoxEndsWithCancel) {
+  EXPECT_EQ(Run([&] { ::SendMessageW(dialog.m_hWnd, WM_CLOSE, 0, 0); }),
+            IDCANCEL);
+}
+
+TEST_F(StartUp, ReturnKeyDoesNotCloseTheDialog) {
+  Run([&] {
+    ::SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0);
+    PumpFor(50);
+    EXPECT_TRUE(::IsWindow(dialog.m_hWnd));
+    EXPECT_TRUE(::IsWindowVisible(dialog.m_hWnd));
+  });
+}
+
+TEST_F(StartUp, ClosingForgetsTheHistoryAndTheImageWindow) {
+  dialog.m_startImage = WriteImage("a.png", Squares({40, 40}, 4, 5, 200));
+  Run([&] {
+    Click(1042);
+    EXPECT_EQ(dialog.m_regionHistory.size(), 1u);
+  });
+  EXPECT_TRUE(dialog.m_regionHistory.empty());
+  EXPECT_EQ(::FindWindowW(nullptr, L"ImageShow"), nullptr);
+}
+
+TEST_F(StartUp, OpeningAgainAndAgainLeavesNothingBehind) {
+  const auto cycle = [&] { Run([&] { Tick(); }); };
+  for (int i = 0; i < 3; ++i) cycle();
+  const size_t before = LiveGdiObjects();
+  for (int i = 0; i < 5; ++i) cycle();
+  EXPECT_LE(LiveGdiObjects(), before);
+}
+
+TEST(SingleInstance, SecondStartSaysSoAndEnds) {
+  const HANDLE first = ::CreateMutexW(nullptr, FALSE, L"Rendal");
+  std::wstring text;
+  int buttons = 0;
+  std::thread operatorThread([&] {
+    HWND box = nullptr;
+    for (int i = 0; i < 1000 && box == nullptr; ++i) {
+      ::Sleep(10);
+      box = ::FindWindowW(L"#32770", L"Rendal");
+    }
+    if (box == nullptr) return;
+    for (HWND child = ::GetWindow(box, GW_CHILD); child != nullptr;
+         child = ::GetWindow(child, GW_HWNDNEXT)) {
+      wchar_t kind[16] = L"", words[64] = L"";
+      ::GetClassNameW(child, kind, 16);
+      ::SendMessageW(child, WM_GETTEXT, 64, reinterpret_cast<LPARAM>(words));
+      const bool visible = ::IsWindowVisible(child);
+      if (std::wstring(kind) == L"Static" && visible && *words) text = words;
+      if (std::wstring(kind) == L"Button" && visible) ++buttons;
+    }
+    ::PostMessageW(box, WM_COMMAND, IDOK, 0);
+  });
+  EXPECT_FALSE(theApp.InitInstance());
+  operatorThread.join();
+  EXPECT_EQ(text, L"Rendal.exe已经打开!");
+  EXPECT_EQ(buttons, 1);
+  EXPECT_EQ(theApp.m_pMainWnd, nullptr);
+  ::CloseHandle(first);
+  // The refused start gave its own handle back.
+  ::SetLastError(0);
+  const HANDLE again = ::CreateMutexW(nullptr, FALSE, L"Rendal");
+  EXPECT_NE(::GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
+  ::CloseHandle(again);
+}
+
+TEST(StartOptions, PathAndLanguage) {
+  wchar_t path[] = L"C:\\图像\\a b.png", english[] = L"--english",
+          other[] = L"x.png";
+  wchar_t* const all[] = {english, path, other};
+  const rendal::StartOptions options = rendal::ParseStartOptions(all);
+  EXPECT_EQ(options.image.wstring(), path);
+  EXPECT_EQ(options.language, rendal::kEnglish);
+  EXPECT_TRUE(rendal::ParseStartOptions({}).image.empty());
+  EXPECT_EQ(rendal::ParseStartOptions({}).language, rendal::kChinese);
+}
+
+TEST_F(StartUp, ImageOfTheCommandLineIsLoaded) {
+  dialog.m_startImage = WriteImage("图像.png", cv::Mat(80, 100, CV_8UC1, 7));
+  Run([&] {
+    EXPECT_EQ(dialog.m_srcImage.size(), cv::Size(100, 80));
+    EXPECT_EQ(TextOf(1002), L"打开图片,width = 100, height = 80");
+  });
+}
+
+}  // namespace
