@@ -8,6 +8,7 @@
 
 #include "vexolab/robust.h"
 #include "vexolab/shape_fit.h"
+#include "vexolab/thinned_points.h"
 #include "vexolab/vexolab.h"
 
 namespace vexolab {
@@ -20,6 +21,10 @@ constexpr int kMethodFalling = 7;
 // Below this no camera measures; it keeps exact points from making every
 // rounding error an outlier.
 constexpr double kSmallestSigmaPx = 0.01;
+
+// More than this are first fitted to half as many of them.
+constexpr int kManyPoints = 20000;
+constexpr int kRoundsOverMany = 2;
 
 std::unique_ptr<shape_fit> make_fit(int shape) {
   switch (shape) {
@@ -83,6 +88,27 @@ struct framed_points {
   }
 };
 
+// Robust, or plain least squares if there are to be no iterations.
+bool fit_some(const point_set& points, const robust_options& options, bool warm,
+              shape_fit* shape) {
+  if (options.iterations > 0) {
+    return fit_robustly(points, options, warm, shape);
+  }
+  const std::vector<double> ones(points.n, 1.0);
+  return shape->fit(points, ones.data(), warm, kTinyStep);
+}
+
+// A fit to some of the points is so close that few rounds over all of them
+// reach what many would: one step from a good start makes an estimator
+// efficient.
+bool fit_many(const point_set& points, robust_options options,
+              shape_fit* shape) {
+  const thinned_points some(points, kManyPoints / 2);
+  if (!fit_some(some.set(), options, false, shape)) return false;
+  options.iterations = std::min(options.iterations, kRoundsOverMany);
+  return fit_some(points, options, true, shape);
+}
+
 }  // namespace
 
 int fit(const double* points, int n, int shape, int method, float factor,
@@ -103,20 +129,16 @@ int fit(const double* points, int n, int shape, int method, float factor,
 
   const framed_points framed(points, n);
   if (framed.coincide()) return VEXOLAB_E_DEGENERATE;
+  const bool robust = factor > 0 && iterations > 0 && n > fit->freedom() + 1;
+  robust_options options;
+  options.weights = method == kMethodCut ? tail::kCut : tail::kFalling;
+  options.factor = factor;
+  options.iterations = robust ? iterations : 0;
+  options.least = least;
+  options.smallest_sigma = kSmallestSigmaPx / framed.unit;
   const point_set set{framed.x.data(), framed.y.data(), n};
-  bool done;
-  if (factor > 0 && iterations > 0 && n > fit->freedom() + 1) {
-    robust_options options;
-    options.weights = method == kMethodCut ? tail::kCut : tail::kFalling;
-    options.factor = factor;
-    options.iterations = iterations;
-    options.least = least;
-    options.smallest_sigma = kSmallestSigmaPx / framed.unit;
-    done = fit_robustly(set, options, fit.get());
-  } else {
-    const std::vector<double> ones(n, 1.0);
-    done = fit->fit(set, ones.data(), false);
-  }
+  const bool done = n > kManyPoints ? fit_many(set, options, fit.get())
+                                    : fit_some(set, options, false, fit.get());
   if (!done) return VEXOLAB_E_DEGENERATE;
   fit->report(framed.origin_x, framed.origin_y, framed.unit, out);
   return 0;

@@ -5,6 +5,7 @@
 // Electronic Journal of Statistics 3, 2009].
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "vexolab/least_squares.h"
 #include "vexolab/scatter.h"
@@ -128,12 +129,12 @@ class circle_fit : public shape_fit {
                    double tolerance) const override {
     const double a = g[0], b = g[1], c = g[2];
     const double d = g[3] - a * tolerance * tolerance;
-    int count = 0;
+    int64_t count = 0;  // as wide as the coordinates: quicker
     for (int i = 0; i < p.n; ++i) {
       const double x = p.x[i], y = p.y[i];
       count += std::fabs(a * (x * x + y * y) + b * x + c * y + d) < tolerance;
     }
-    return count;
+    return static_cast<int>(count);
   }
 
   void distances(const point_set& p, const guess& g,
@@ -147,11 +148,23 @@ class circle_fit : public shape_fit {
     }
   }
 
-  bool fit(const point_set& p, const double* weight, bool warm) override {
+  bool refit(const point_set& p, const double* weight,
+             guess* shape) const override {
+    const scatter s(p, weight);
+    circle c;
+    if (s.is_thin() || !hyper_fit(p, weight, s, &c)) return false;
+    const double a = 0.5 / c.r;
+    *shape = {a, -2 * a * c.cx, -2 * a * c.cy,
+              a * (c.cx * c.cx + c.cy * c.cy - c.r * c.r)};
+    return true;
+  }
+
+  bool fit(const point_set& p, const double* weight, bool warm,
+           double last_step) override {
     const scatter s(p, weight);
     if (s.is_thin()) return false;
     if (!warm && !hyper_fit(p, weight, s, &circle_)) return false;
-    minimise(p, weight, &circle_);
+    minimise(p, weight, last_step, &circle_);
     return circle_.r <= kLargestRadius * s.extent;
   }
 

@@ -3,6 +3,7 @@
 // Orthogonal distances by Gauss-Newton with exact feet, from the direct
 // algebraic fit.
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "vexolab/conic.h"
@@ -13,8 +14,8 @@
 namespace vexolab {
 namespace {
 
-constexpr int kSamples = 400;
-constexpr int kFinalists = 8;
+constexpr int kSamples = 500;
+constexpr int kFinalists = 10;
 constexpr double kLargestAxis = 100;     // in extents of the points used
 constexpr double kSmallestRatio = 1e-4;  // of the axes
 // Axes that differ by less have no direction.
@@ -66,14 +67,14 @@ class ellipse_fit : public shape_fit {
                    double tolerance) const override {
     const auto [a, b, c, d, e, f] = shape;
     const double square = tolerance * tolerance;
-    int count = 0;
+    int64_t count = 0;  // as wide as the coordinates: quicker
     for (int i = 0; i < p.n; ++i) {
       const double x = p.x[i], y = p.y[i];
       const double gx = 2 * a * x + b * y + d, gy = b * x + 2 * c * y + e;
       const double q = (x * (gx + d) + y * (gy + e)) / 2 + f;
       count += q * q < square * (gx * gx + gy * gy);
     }
-    return count;
+    return static_cast<int>(count);
   }
 
   void distances(const point_set& p, const guess& shape,
@@ -92,7 +93,8 @@ class ellipse_fit : public shape_fit {
     return direct_fit(p, weight, scatter(p, weight), shape);
   }
 
-  bool fit(const point_set& p, const double* weight, bool warm) override {
+  bool fit(const point_set& p, const double* weight, bool warm,
+           double last_step) override {
     const used_points used(p, weight);
     const scatter s(used.set(), used.weight.data());
     if (s.is_thin()) return false;
@@ -103,7 +105,7 @@ class ellipse_fit : public shape_fit {
         return false;
       }
     }
-    minimise(used.set(), used.weight.data(), &ellipse_);
+    minimise(used.set(), used.weight.data(), last_step, &ellipse_);
     return ellipse_.a <= kLargestAxis * s.extent &&
            ellipse_.b >= kSmallestRatio * ellipse_.a;
   }

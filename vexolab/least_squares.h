@@ -7,6 +7,7 @@
 
 #include <Eigen/Cholesky>
 #include <Eigen/Core>
+#include <algorithm>
 #include <cmath>
 
 #include "vexolab/shape_fit.h"
@@ -52,22 +53,26 @@ struct normal_equations {
 //   normal_equations<kFreedom> linearise(points, weight)
 //   bool move(step)              false: there is no such shape
 //
-// Ends when a step is below 1e-11 of the points' unit, where the next would be
-// below rounding, or when no step, however short, improves.
+// Ends with the first step below `last_step`, or when no step, however short,
+// improves. Close to a minimum that fits well the next step would be as the
+// square of the last one; of very many points, fewer steps are taken.
 template <typename Shape>
-void minimise(const point_set& points, const double* weight, Shape* shape) {
-  constexpr int kMostSteps = 100;
-  constexpr double kSmallStep = 1e-11;
+void minimise(const point_set& points, const double* weight, double last_step,
+              Shape* shape) {
   constexpr double kMostDamping = 1e8;
+  const int most_steps = std::clamp(200000 / points.n, 3, 100);
   auto equations = shape->linearise(points, weight);
   double damping = 0;
-  for (int i = 0; i < kMostSteps; ++i) {
+  for (int i = 0; i < most_steps; ++i) {
     Eigen::Matrix<double, Shape::kFreedom, 1> delta;
     bool better = false;
     if (equations.step(damping, &delta)) {
-      const double size = delta.cwiseAbs().maxCoeff();
       Shape moved = *shape;
       if (moved.move(delta)) {
+        if (damping == 0 && delta.cwiseAbs().maxCoeff() <= last_step) {
+          *shape = moved;
+          return;
+        }
         const auto next = moved.linearise(points, weight);
         better = next.cost <= equations.cost;
         if (better) {
@@ -75,7 +80,6 @@ void minimise(const point_set& points, const double* weight, Shape* shape) {
           equations = next;
         }
       }
-      if (size < kSmallStep) return;
     }
     if (better) {
       damping = damping > 1e-6 ? damping / 10 : 0;

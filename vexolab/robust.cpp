@@ -14,6 +14,9 @@ namespace {
 // The iteration rests when the distances change by less than this part of
 // sigma (root mean square).
 constexpr double kSettled = 1e-5;
+// While the weights change, a fit may end with a step below this part of
+// sigma; the last one goes to the end.
+constexpr double kRough = 0.01;
 // Rounds that estimate sigma from a narrow band, until outliers are out.
 constexpr int kNarrowRounds = 2;
 constexpr double kSmallestFactor = 0.01;
@@ -54,43 +57,49 @@ class iteration {
         weight_(points.n, 1.0),
         scratch_(points.n) {}
 
-  bool run() {
-    if (!start()) return false;
+  bool run(bool warm) {
+    if (!start(warm)) return false;
     for (int round = 0; round < options_.iterations; ++round) {
       weigh();
-      if (!shape_.fit(points_, weight_.data(), round > 0)) return false;
+      if (!shape_.fit(points_, weight_.data(), warm || round > 0,
+                      kRough * sigma_)) {
+        return false;
+      }
       scratch_.swap(distance_);
       shape_.distances(points_, distance_.data());
-      const double moved = change();
       const double before = sigma_;
       estimate_sigma(round >= kNarrowRounds);
-      if (round >= kNarrowRounds && moved <= kSettled * sigma_ &&
+      if (round >= kNarrowRounds && change() <= kSettled * sigma_ &&
           std::fabs(sigma_ - before) <= kSettled * sigma_) {
         break;
       }
     }
-    return true;
+    return shape_.fit(points_, weight_.data(), true, kTinyStep);
   }
 
  private:
-  // Points no sample of which makes a shape still have a least squares fit.
-  bool start() {
-    if (robust_start(points_, shape_, options_.smallest_sigma, distance_.data(),
-                     &sigma_)) {
+  bool start(bool warm) {
+    if (!warm && robust_start(points_, shape_, options_.smallest_sigma,
+                              distance_.data(), &sigma_)) {
       return true;
     }
-    if (!shape_.fit(points_, weight_.data(), false)) return false;
+    // Points no sample of which makes a shape may still have a fit.
+    if (!warm && !shape_.fit(points_, weight_.data(), false, kTinyStep)) {
+      return false;
+    }
     shape_.distances(points_, distance_.data());
     scratch_ = distance_;
-    sigma_ = std::max(first_sigma(order_statistic(scratch_.data(), points_.n,
-                                                  (points_.n + 1) / 2),
-                                  points_.n, shape_.freedom()),
+    const double half =
+        order_statistic(scratch_.data(), points_.n, (points_.n + 1) / 2);
+    sigma_ = std::max(first_sigma(half, points_.n, shape_.freedom()),
                       options_.smallest_sigma);
     return true;
   }
 
   void weigh() {
-    const weight_curve curve(options_, sigma_);
+    // Of few points sigma is often estimated too small.
+    const double few = 1 + 3.0 / (points_.n - shape_.freedom());
+    const weight_curve curve(options_, few * sigma_);
     int kept = 0;
     for (int i = 0; i < points_.n; ++i) {
       weight_[i] = curve(distance_[i]);
@@ -135,8 +144,8 @@ class iteration {
 }  // namespace
 
 bool fit_robustly(const point_set& points, const robust_options& options,
-                  shape_fit* shape) {
-  return iteration(points, options, shape).run();
+                  bool warm, shape_fit* shape) {
+  return iteration(points, options, shape).run(warm);
 }
 
 }  // namespace vexolab

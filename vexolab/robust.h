@@ -18,16 +18,16 @@ enum class tail {
 
 struct robust_options {
   tail weights = tail::kFalling;
-  double factor = 2;      // in units of sigma, > 0; raised to 0.01
-  int iterations = 20;    // > 0
-  int least = 5;          // points to keep whatever the weights say
-  double smallest_sigma;  // in the points' units, > 0
+  double factor = 2;             // in units of sigma, > 0; raised to 0.01
+  int iterations = 20;           // > 0
+  int least = 5;                 // points to keep whatever the weights say
+  double smallest_sigma = 0.01;  // in the points' units, > 0
 };
 
 // Leaves the result in *shape; false: degenerate. Needs more than
-// shape->freedom() + 1 points.
+// shape->freedom() + 1 points. `warm`: starts from *shape as it is.
 bool fit_robustly(const point_set& points, const robust_options& options,
-                  shape_fit* shape);
+                  bool warm, shape_fit* shape);
 
 }  // namespace vexolab
 

@@ -7,10 +7,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <vector>
 
 #include "vexolab/scale.h"
+#include "vexolab/thinned_points.h"
 
 namespace vexolab {
 namespace {
@@ -20,25 +20,10 @@ constexpr int kMostPoints = 1000;
 // Up to this many, all pairs of points are tried.
 constexpr int kAllPairs = 12;
 
-// Equal on every platform, unlike the distributions of <random>.
-class random_numbers {
- public:
-  // [0, 1)
-  double next() {
-    state_ += 0x9e3779b97f4a7c15u;  // splitmix64
-    uint64_t z = state_;
-    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
-    z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
-    return static_cast<double>((z ^ (z >> 31)) >> 11) * 0x1p-53;
-  }
-
- private:
-  uint64_t state_ = 0;
-};
-
 struct candidate {
   guess shape;
   double half_distance;  // within which half of the points lie
+  double sigma;
 };
 
 class search {
@@ -51,15 +36,17 @@ class search {
         distance_(points.n),
         weight_(points.n) {}
 
-  bool run(double smallest_sigma, guess* best) {
+  bool run(double smallest_sigma, guess* best, double* sigma) {
     if (freedom_ == 2 && points_.n <= kAllPairs) {
       try_all_pairs();
     } else {
       try_samples();
     }
     if (found_.empty()) return false;
-    *best = found_.front().shape;
-    if (found_.size() > 1) *best = choose(smallest_sigma);
+    for (candidate& c : found_) improve(smallest_sigma, &c);
+    const candidate& chosen = found_.size() > 1 ? choose() : found_.front();
+    *best = chosen.shape;
+    *sigma = chosen.sigma;
     return true;
   }
 
@@ -73,13 +60,12 @@ class search {
     }
   }
 
+  // Every second sample from anywhere; the others, when the points lie around
+  // a closed contour, along a stretch of it.
   void try_samples() {
     for (int i = 0; i < shape_.samples(); ++i) {
       int index[5];
-      const double length =
-          freedom_ < 5 || i % 4 == 0 ? 1.0 : random_.next() * 0.7 + 0.3;
-      const double start = random_.next();
-      if (i % 2 == 0 ? scattered(index) : spread(start, length, index)) {
+      if (freedom_ == 5 && i % 2 ? spread(index) : scattered(index)) {
         consider(index);
       }
     }
@@ -90,9 +76,11 @@ class search {
     return different(index);
   }
 
-  // One point from each of equal parts of a stretch of the closed list: good
-  // samples of contours of which a stretch is covered.
-  bool spread(double start, double length, int* index) {
+  // One point from each of five equal parts of a stretch of the closed list:
+  // good samples of a contour of which a part is covered.
+  bool spread(int* index) {
+    const double start = random_.next();
+    const double length = 0.3 + 0.7 * random_.next();
     for (int k = 0; k < freedom_; ++k) {
       const double at = start + length * (k + random_.next()) / freedom_;
       index[k] = place(at - std::floor(at));
@@ -128,43 +116,59 @@ class search {
     found_.insert(std::upper_bound(found_.begin(), found_.end(), c, nearer), c);
   }
 
-  // Of the finalists, each fitted to the points near it, the one that the most
-  // points are close to, by a scale common to all.
-  guess choose(double smallest_sigma) {
-    double sigma = INFINITY;
-    for (candidate& c : found_) {
-      sigma = std::min(sigma, improve(smallest_sigma, &c));
+  // Fits the shape to the closest half of the points, twice, then to all that
+  // are near by the standard deviation of these, twice.
+  void improve(double smallest_sigma, candidate* c) {
+    shape_.distances(points_, c->shape, distance_.data());
+    double within = c->half_distance;
+    for (int round = 0; round < 2; ++round) {
+      if (!refit_within(within, c)) break;
+      weight_ = distance_;
+      within = order_statistic(weight_.data(), points_.n, order_);
     }
+    c->sigma =
+        std::max(first_sigma(within, points_.n, freedom_), smallest_sigma);
+    for (int round = 0; round < 2; ++round) {
+      if (!refit_within(2.5 * c->sigma, c)) break;
+      c->sigma = std::max(
+          next_sigma(distance_.data(), points_.n, freedom_, c->sigma, false),
+          smallest_sigma);
+    }
+  }
+
+  // Leaves the new distances in distance_.
+  bool refit_within(double most, candidate* c) {
+    for (int i = 0; i < points_.n; ++i) {
+      weight_[i] = distance_[i] <= most ? 1 : 0;
+    }
+    if (!shape_.refit(points_, weight_.data(), &c->shape)) return false;
+    shape_.distances(points_, c->shape, distance_.data());
+    return true;
+  }
+
+  // The finalist that the most points are close to, by a scale common to all:
+  // half of the points may agree on a wrong shape, but more agree on the right
+  // one. With few points the smallest scale is too small.
+  const candidate& choose() {
+    double sigma = INFINITY;
+    for (const candidate& c : found_) sigma = std::min(sigma, c.sigma);
+    const double most = 1.8 * (1 + 10.0 / (points_.n - freedom_)) * sigma;
     double best = INFINITY;
-    const guess* chosen = nullptr;
+    const candidate* chosen = &found_.front();
     for (const candidate& c : found_) {
-      const double lost = cost(c, sigma);
+      const double lost = cost(c, most);
       if (lost < best) {
         best = lost;
-        chosen = &c.shape;
+        chosen = &c;
       }
     }
     return *chosen;
   }
 
-  double improve(double smallest_sigma, candidate* c) {
-    double sigma = first_sigma(c->half_distance, points_.n, freedom_);
-    shape_.distances(points_, c->shape, distance_.data());
-    for (int round = 0; round < 3; ++round) {
-      sigma = std::max(sigma, smallest_sigma);
-      for (int i = 0; i < points_.n; ++i) {
-        weight_[i] = distance_[i] <= 2.5 * sigma ? 1 : 0;
-      }
-      if (!shape_.refit(points_, weight_.data(), &c->shape)) break;
-      shape_.distances(points_, c->shape, distance_.data());
-      sigma = next_sigma(distance_.data(), points_.n, freedom_, sigma, false);
-    }
-    return std::max(sigma, smallest_sigma);
-  }
-
-  double cost(const candidate& c, double sigma) {
+  // [P. Torr, A. Zisserman, MLESAC, 2000]: squares, but no more than a point
+  // at the distance `most` has.
+  double cost(const candidate& c, double most) {
     shape_.distances(points_, c.shape, distance_.data());
-    const double most = 3 * sigma;
     double sum = 0;
     for (const double d : distance_) sum += d < most ? d * d : most * most;
     return sum;
@@ -178,30 +182,13 @@ class search {
   random_numbers random_;
 };
 
-// Every stretch of the list sends one point, at random: no pattern in the
-// list can hide from it.
-struct thinned_points {
-  std::vector<double> x, y;
-
-  explicit thinned_points(const point_set& p) {
-    random_numbers random;
-    for (int i = 0; i < kMostPoints; ++i) {
-      const double at = (i + random.next()) / kMostPoints * p.n;
-      const int index = std::min(static_cast<int>(at), p.n - 1);
-      x.push_back(p.x[index]);
-      y.push_back(p.y[index]);
-    }
-  }
-};
-
 bool find_guess(const point_set& points, const shape_fit& shape,
-                double smallest_sigma, guess* best) {
+                double smallest_sigma, guess* best, double* sigma) {
   if (points.n <= kMostPoints) {
-    return search(shape, points).run(smallest_sigma, best);
+    return search(shape, points).run(smallest_sigma, best, sigma);
   }
-  const thinned_points few(points);
-  const point_set set{few.x.data(), few.y.data(), kMostPoints};
-  return search(shape, set).run(smallest_sigma, best);
+  const thinned_points few(points, kMostPoints);
+  return search(shape, few.set()).run(smallest_sigma, best, sigma);
 }
 
 }  // namespace
@@ -209,13 +196,8 @@ bool find_guess(const point_set& points, const shape_fit& shape,
 bool robust_start(const point_set& points, const shape_fit& shape,
                   double smallest_sigma, double* distance, double* sigma) {
   guess best;
-  if (!find_guess(points, shape, smallest_sigma, &best)) return false;
+  if (!find_guess(points, shape, smallest_sigma, &best, sigma)) return false;
   shape.distances(points, best, distance);
-  std::vector<double> scratch(distance, distance + points.n);
-  const int order = points.n / 2 + (shape.freedom() + 1) / 2;
-  const double half = order_statistic(scratch.data(), points.n, order);
-  *sigma =
-      std::max(first_sigma(half, points.n, shape.freedom()), smallest_sigma);
   return true;
 }
 

@@ -21,6 +21,9 @@ struct point_set {
 // they mean is each shape's own.
 using guess = std::array<double, 6>;
 
+// As a step of a geometric fit: what follows it is rounding.
+constexpr double kTinyStep = 1e-8;
+
 class shape_fit {
  public:
   virtual ~shape_fit() = default;
@@ -43,19 +46,19 @@ class shape_fit {
   // Unsigned distances, to first order far from the shape.
   virtual void distances(const point_set& points, const guess& shape,
                          double* distance) const = 0;
-  // Number of guesses worth a second look by refit(), at least 1.
+  // Number of guesses to be compared closely, at least 1.
   virtual int finalists() const { return 1; }
-  // Algebraic fit to all points of weight > 0; false if there is none.
-  virtual bool refit(const point_set&, const double* /*weight*/, guess*) const {
-    return false;
-  }
+  // Algebraic fit to all points of weight > 0; false if they determine none.
+  virtual bool refit(const point_set& points, const double* weight,
+                     guess* shape) const = 0;
 
   // ---- The geometric fit -------------------------------------------------
 
   // Minimises the weighted sum of squared distances, from the last fit if
-  // `warm`, else from an algebraic one. False: degenerate.
-  virtual bool fit(const point_set& points, const double* weight,
-                   bool warm) = 0;
+  // `warm`, else from an algebraic one; iterations end with the first step
+  // below `last_step`. False: degenerate.
+  virtual bool fit(const point_set& points, const double* weight, bool warm,
+                   double last_step) = 0;
   // Unsigned orthogonal distances from the last fit.
   virtual void distances(const point_set& points, double* distance) const = 0;
   // The last fit as do_fit() reports it, moved back into the image.
