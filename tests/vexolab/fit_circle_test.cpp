@@ -54,7 +54,7 @@ TEST(FitCircle, ArcFlatterThanAHundredExtentsIsRefused) {
 }
 
 TEST(FitCircle, PlainFitIsTheLeastSumOfSquaredDistances) {
-  random_source random(2);
+  synthetic::random random(2);
   for (int trial = 0; trial < 20; ++trial) {
     const points p = on(kCircle, 15, random.uniform(0, 6), 0.4,
                         [&](int) { return random.normal(); });
@@ -72,7 +72,7 @@ TEST(FitCircle, PlainFitIsTheLeastSumOfSquaredDistances) {
 }
 
 TEST(FitCircle, ThirtyPercentOutliersOfAnyKindDoNotShow) {
-  random_source random(3);
+  synthetic::random random(3);
   const auto noise = [&](int) { return 0.02 * random.normal(); };
   points scattered = on(kCircle, 60, 0, 1, noise);
   points covered = scattered, blob = scattered;
@@ -105,7 +105,7 @@ TEST(FitCircle, FarFromTheOriginAndTinyAndHugeCirclesAreExact) {
 }
 
 TEST(FitCircle, QuarterTurnOfThePointsTurnsTheResult) {
-  random_source random(4);
+  synthetic::random random(4);
   points p = on(kCircle, 30, 0, 1, [&](int) { return 0.3 * random.normal(); });
   points turned = p;
   for (point& q : turned) q = {-q.y, q.x};

@@ -60,7 +60,7 @@ double sum_of_squares(const points& p, const double* v) {
 }  // namespace
 
 TEST(EllipseDistance, AgreesWithASearchAlongTheContour) {
-  random_source random(11);
+  synthetic::random random(11);
   for (const double b : {1.0, 0.999999, 0.7, 0.2, 0.01}) {
     for (int i = 0; i < 300; ++i) {
       const double x = random.uniform(-2, 2), y = random.uniform(-2, 2);
@@ -86,7 +86,7 @@ TEST(EllipseDistance, OnTheAxesAndInTheCentre) {
 }
 
 TEST(EllipseDistance, PointsInBlocksAreAsPointsAlone) {
-  random_source random(12);
+  synthetic::random random(12);
   std::vector<double> x(200), y(200), d(200);
   for (int i = 0; i < 200; ++i) {
     x[i] = random.uniform(-9, 9);
@@ -134,7 +134,7 @@ TEST(FitEllipse, CircleHasAngleZero) {
 }
 
 TEST(FitEllipse, NoisyCircleIsNoSingularCase) {
-  random_source random(13);
+  synthetic::random random(13);
   const result r = fit(on({50, 60, 0, 25, 25}, 100, 0, 1,
                           [&](int) { return 0.05 * random.normal(); }),
                        VEXOLAB_ELLIPSE);
@@ -153,7 +153,7 @@ TEST(FitEllipse, SlenderAndShortArcsAreFitted) {
 }
 
 TEST(FitEllipse, PlainFitIsTheLeastSumOfSquaredDistances) {
-  random_source random(14);
+  synthetic::random random(14);
   for (int trial = 0; trial < 20; ++trial) {
     const points p = on(kEllipse, 25, random.uniform(0, 6), 0.8,
                         [&](int) { return random.normal(); });
@@ -172,7 +172,7 @@ TEST(FitEllipse, PlainFitIsTheLeastSumOfSquaredDistances) {
 }
 
 TEST(FitEllipse, ThirtyPercentOutliersOfAnyKindDoNotShow) {
-  random_source random(15);
+  synthetic::random random(15);
   const auto noise = [&](int) { return 0.02 * random.normal(); };
   points scattered = on(kEllipse, 60, 0, 1, noise);
   points covered = scattered, blob = scattered;

@@ -87,7 +87,7 @@ TEST(FitLine, PlainFitUsesEveryPoint) {
 }
 
 TEST(FitLine, ThirtyPercentCoherentOutliersDoNotShow) {
-  random_source random(1);
+  synthetic::random random(1);
   points p = on_segment({0, 40}, {60, 40}, 61,
                         [&](int) { return 0.02 * random.normal(); });
   for (int i = 40; i < 58; ++i) p[i].y += 3;  // another edge

@@ -5,9 +5,9 @@
 #define TESTS_VEXOLAB_FIT_POINTS_H_
 
 #include <cmath>
-#include <random>
 #include <vector>
 
+#include "tests/vexolab/random.h"
 #include "vexolab/vexolab.h"
 
 namespace fit_points {
@@ -113,26 +113,6 @@ inline result fit(const points& p, int shape, parameters how = kRobust) {
                   how.factor, how.iterations, how.least, r.v);
   return r;
 }
-
-// Equal bits on every platform for equal seeds: std::mt19937_64's own numbers
-// are fixed by the standard, the distributions of <random> are not.
-class random_source {
- public:
-  explicit random_source(unsigned long long seed) : engine_(seed) {}
-
-  double uniform(double from, double to) {
-    return from + (to - from) * static_cast<double>(engine_() >> 11) * 0x1p-53;
-  }
-  int below(int n) { return static_cast<int>(uniform(0, n)); }
-  // Box and Muller.
-  double normal() {
-    const double u = 1 - uniform(0, 1);
-    return std::sqrt(-2 * std::log(u)) * std::cos(uniform(0, 2 * kPi));
-  }
-
- private:
-  std::mt19937_64 engine_;
-};
 
 }  // namespace fit_points
 

@@ -194,7 +194,7 @@ TEST(Fit, AlmostAllPointsCoincidingIsNoCrash) {
 }
 
 TEST(Fit, RepetitionAndThreadsGiveEqualBits) {
-  random_source random(5);
+  synthetic::random random(5);
   for (const int shape : kShapes) {
     points p = sample_points(shape, 60);
     for (point& q : p) {
@@ -219,7 +219,7 @@ TEST(Fit, RepetitionAndThreadsGiveEqualBits) {
 }
 
 TEST(Fit, TheLengthOfTheFactorsTailNeverMakesAFitFail) {
-  random_source random(6);
+  synthetic::random random(6);
   for (const int shape : kShapes) {
     points p = sample_points(shape, 30);
     for (point& q : p) q.x += 0.2 * random.normal();
@@ -236,7 +236,7 @@ TEST(Fit, TheLengthOfTheFactorsTailNeverMakesAFitFail) {
 
 TEST(Fit, MillionPointsWithOutliersAreFitted) {
   constexpr int kMany = VEXOLAB_MAX_POINTS;
-  random_source random(7);
+  synthetic::random random(7);
   points p =
       on(kEllipse, kMany, 0, 1, [&](int) { return random.uniform(-0.1, 0.1); });
   for (int i = 0; i < kMany; i += 4) p[i].x += random.uniform(-30, 30);

@@ -13,7 +13,9 @@ namespace synthetic {
 // splitmix64 (Steele, Lea, Flood 2014).
 class random {
  public:
-  explicit random(uint64_t seed) : state_(seed * 0x9e3779b97f4a7c15u + 1) {}
+  // Neighbouring seeds give unrelated numbers: the seed goes through the same
+  // mixing as they do.
+  explicit random(uint64_t seed) : state_(seed) { state_ = bits(); }
 
   uint64_t bits() {
     uint64_t z = state_ += 0x9e3779b97f4a7c15u;

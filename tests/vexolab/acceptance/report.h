@@ -42,7 +42,7 @@ class report {
  private:
   void print(const std::string& id, const std::string& what, double figure,
              const char* relation, double limit, double goal, bool passed) {
-    std::printf("%-5s %-58s %10.5f %s %-8.5g", id.c_str(), what.c_str(), figure,
+    std::printf("%-5s %-58s %10.4g %s %-8.5g", id.c_str(), what.c_str(), figure,
                 relation, limit);
     if (std::isnan(goal)) {
       std::printf("       ");
@@ -62,9 +62,11 @@ class report {
 };
 
 // Each group appends its rows; the seed shifts every random choice in it.
-void edges(report* r, uint64_t seed);   // B
-void shapes(report* r, uint64_t seed);  // D
-void speed(report* r, uint64_t seed);   // G
+void edges(report* r, uint64_t seed);      // B
+void shapes(report* r, uint64_t seed);     // D
+void fits(report* r, uint64_t seed);       // E
+void speed(report* r, uint64_t seed);      // G, edges
+void fit_speed(report* r, uint64_t seed);  // G, fits
 
 // printf into a string.
 template <typename... Values>
