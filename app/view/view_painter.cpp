@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "app/view/result_painter.h"
 #include "app/view/roi_painter.h"
 
 namespace rendal {
@@ -155,6 +156,11 @@ std::optional<ReadOut> RefreshView(Workbench& workbench, const ViewState& view,
   PaintImageAndOverlay(workbench, view, *picture);
   if (const RoiShape* shape = workbench.CurrentShape()) {
     DrawRoi(*shape, workbench.m_bandWidth, view, *picture);
+  }
+  if (workbench.m_hideResults == 0) {
+    for (const Result& result : workbench.m_results) {
+      DrawResult(result, view, *picture);
+    }
   }
   workbench.m_redraw = -workbench.m_redraw;
   return ReadPixel(workbench.m_srcImage, view);
