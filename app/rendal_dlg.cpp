@@ -86,6 +86,8 @@ BOOL CRendalDlg::OnInitDialog() {
   SetIcon(m_hIcon, FALSE);
   rendal::console::Open();
   ShowBuildDate();
+  // Of one size, whatever the template says. (A window that is created with a
+  // sizing frame is cut to the screen; this one may be larger.)
   ModifyStyle(WS_THICKFRAME, 0);
   BuildControls();
   m_roiShapes = rendal::InitialShapes();

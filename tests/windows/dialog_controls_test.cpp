@@ -375,6 +375,21 @@ TEST_F(DialogControls, StatusLabelsUseBold22) {
   });
 }
 
+TEST_F(DialogControls, DialogKeepsItsSizeWhateverTheScreen) {
+  Run([&] {
+    CRect expected(0, 0, 600, 360);
+    ::MapDialogRect(dialog.m_hWnd, &expected);
+    CRect client;
+    ::GetClientRect(dialog.m_hWnd, &client);
+    EXPECT_EQ(client, expected);
+    CRect work, window;
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    ::GetWindowRect(dialog.m_hWnd, &window);
+    EXPECT_GE(window.top, work.top);
+    EXPECT_GE(window.left, work.left);
+  });
+}
+
 TEST_F(DialogControls, NothingOverlapsOrLeavesTheDialog) {
   Run([&] {
     CRect client;
