@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 
 namespace rendal {
 namespace {
@@ -16,45 +17,53 @@ constexpr std::array<std::array<int32_t, 3>, kPaletteSize> kPalette = {{
 }};
 // clang-format on
 
-std::vector<vexo::chord> GatherChords(const std::vector<OverlayItem>& items) {
-  size_t count = 0;
-  for (const OverlayItem& item : items) count += item.chords.size();
-  std::vector<vexo::chord> chords;
-  chords.reserve(count);
-  for (size_t i = 0; i < items.size(); ++i) {
-    for (vexo::chord chord : items[i].chords) {
-      chord.label = static_cast<int32_t>(i);
-      chords.push_back(chord);
-    }
-  }
-  return chords;
+// Sorts by 16 bits of the row, otherwise leaving the order as it is. `for_each`
+// hands every chord to its argument, in order, as often as it is called.
+template <typename ForEach>
+std::vector<vexo::chord> SortByDigit(size_t count, uint32_t first, int shift,
+                                     ForEach for_each) {
+  constexpr uint32_t kDigits = 1u << 16;
+  const auto digit = [first, shift](const vexo::chord& c) {
+    return ((static_cast<uint32_t>(c.row) - first) >> shift) & (kDigits - 1);
+  };
+  std::vector<size_t> next(kDigits + 1);
+  for_each([&](const vexo::chord& c) { ++next[digit(c) + 1]; });
+  std::partial_sum(next.begin(), next.end(), next.begin());
+  std::vector<vexo::chord> sorted(count);
+  for_each([&](const vexo::chord& c) { sorted[next[digit(c)]++] = c; });
+  return sorted;
 }
 
-// Orders by row, otherwise leaving the order as it is: a radix sort over the
-// digits that the rows actually use, so one or two passes for any image.
-void SortByRow(std::vector<vexo::chord>* chords) {
-  constexpr int kDigitBits = 11;
-  constexpr uint32_t kDigits = 1u << kDigitBits;
-  const auto by_row = [](const vexo::chord& a, const vexo::chord& b) {
-    return a.row < b.row;
-  };
-  if (std::is_sorted(chords->begin(), chords->end(), by_row)) return;
-  const auto [low, high] =
-      std::minmax_element(chords->begin(), chords->end(), by_row);
-  const uint32_t first = static_cast<uint32_t>(low->row);
-  const uint32_t range = static_cast<uint32_t>(high->row) - first;
-  std::vector<vexo::chord> sorted(chords->size());
-  for (int shift = 0; shift < 32 && (range >> shift) != 0;
-       shift += kDigitBits) {
-    const auto digit = [first, shift](const vexo::chord& c) {
-      return ((static_cast<uint32_t>(c.row) - first) >> shift) & (kDigits - 1);
-    };
-    std::array<size_t, kDigits + 1> next{};
-    for (const vexo::chord& c : *chords) ++next[digit(c) + 1];
-    for (uint32_t d = 0; d < kDigits; ++d) next[d + 1] += next[d];
-    for (const vexo::chord& c : *chords) sorted[next[digit(c)]++] = c;
-    chords->swap(sorted);
+// The chords of all items by row, within a row in the items' order, labelled
+// with their item's number. A radix sort whose first pass reads the items and
+// whose second pass is needed for more than 65536 rows only.
+std::vector<vexo::chord> ChordsByRow(const std::vector<OverlayItem>& items) {
+  size_t count = 0;
+  int32_t low = INT32_MAX;
+  int32_t high = INT32_MIN;
+  for (const OverlayItem& item : items) {
+    count += item.chords.size();
+    for (const vexo::chord& c : item.chords) {
+      low = std::min(low, c.row);
+      high = std::max(high, c.row);
+    }
   }
+  if (count == 0) return {};
+  const uint32_t first = static_cast<uint32_t>(low);
+  const uint32_t range = static_cast<uint32_t>(high) - first;
+  std::vector<vexo::chord> sorted =
+      SortByDigit(count, first, 0, [&items](auto visit) {
+        for (size_t i = 0; i < items.size(); ++i) {
+          const int32_t number = static_cast<int32_t>(i);
+          for (const vexo::chord& c : items[i].chords) {
+            visit({c.col_begin, c.col_end, c.row, number});
+          }
+        }
+      });
+  if (range >> 16 == 0) return sorted;
+  return SortByDigit(count, first, 16, [&sorted](auto visit) {
+    for (const vexo::chord& c : sorted) visit(c);
+  });
 }
 
 OverlayItem MakeItem(const std::array<int32_t, 3>& rgb,
@@ -79,8 +88,7 @@ std::string Fixed4(double value) {
 }  // namespace
 
 void RegionOverlay::Replace(std::vector<OverlayItem> items) {
-  std::vector<vexo::chord> chords = GatherChords(items);
-  SortByRow(&chords);
+  std::vector<vexo::chord> chords = ChordsByRow(items);
   std::vector<int32_t> rows;
   std::vector<size_t> begins;
   for (size_t i = 0; i < chords.size(); ++i) {
