@@ -1,16 +1,136 @@
 // SPDX-License-Identifier: MIT
 #include "region/internal/morphology.h"
 
+#include <algorithm>
+#include <cstring>
+
+#include "region/internal/bit_morphology.h"
+#include "region/internal/parallel.h"
 #include "region/internal/plain_morphology.h"
+#include "region/internal/row_list.h"
 
 namespace vexo::internal {
+namespace {
+
+// Smallest and largest row and column.
+struct extent {
+  int64_t min_row, min_col, max_row, max_col;
+};
+
+extent extent_of(const run_view& runs, const row_list& rows) {
+  extent e{rows.row(0), INT64_MAX, rows.row(rows.count() - 1), INT64_MIN};
+  for (size_t i = 0; i < rows.count(); ++i) {
+    e.min_col = std::min<int64_t>(e.min_col, runs.begins[rows.first(i)]);
+    e.max_col = std::max<int64_t>(e.max_col, runs.ends[rows.last(i) - 1]);
+  }
+  return e;
+}
+
+extent extent_of(const element_runs& element) {
+  extent e{element.front().row, INT64_MAX, element.back().row, INT64_MIN};
+  for (const element_run& run : element) {
+    e.min_col = std::min(e.min_col, run.begin);
+    e.max_col = std::max(e.max_col, run.end);
+  }
+  return e;
+}
+
+extent operator+(const extent& a, const extent& b) {
+  return {a.min_row + b.min_row, a.min_col + b.min_col, a.max_row + b.max_row,
+          a.max_col + b.max_col};
+}
+
+bool fits(const extent& e) {
+  return e.min_row >= INT32_MIN && e.min_col >= INT32_MIN &&
+         e.max_row <= INT32_MAX && e.max_col <= INT32_MAX;
+}
+
+// Where sums of two spans of columns stay far from the end of 32 bits.
+bool moderate(const extent& e) {
+  constexpr int64_t kMost = int64_t{1} << 29;
+  return e.max_row - e.min_row < kMost && e.max_col - e.min_col < kMost;
+}
+
+struct band {
+  int64_t first_row;
+  int64_t last_row;
+};
+
+// Result rows in bands. A band ends where the source has a gap that no element
+// row bridges, or when it is high enough.
+std::vector<band> bands_of(const row_list& rows, const extent& element) {
+  const int64_t height = element.max_row - element.min_row + 1;
+  const size_t pieces = static_cast<size_t>(thread_count());
+  const size_t enough = std::max<size_t>(static_cast<size_t>(4 * height), 256);
+  const size_t per_band =
+      std::max<size_t>(std::min(enough, rows.count() / pieces + 1), 16);
+  std::vector<band> bands;
+  size_t first = 0;
+  for (size_t i = 1; i <= rows.count(); ++i) {
+    const bool gap = i < rows.count() && rows.row(i) - rows.row(i - 1) > height;
+    if (i < rows.count() && !gap && i - first < per_band) continue;
+    const int64_t last_row = rows.row(i - 1) + element.max_row;
+    const int64_t next_row =
+        i < rows.count() ? rows.row(i) + element.min_row - 1 : last_row;
+    bands.push_back(
+        {rows.row(first) + element.min_row, std::min(last_row, next_row)});
+    first = i;
+  }
+  return bands;
+}
+
+run_buffer joined(std::vector<run_buffer> parts) {
+  if (parts.size() == 1) return std::move(parts[0]);
+  std::vector<size_t> offsets{0};
+  for (const run_buffer& part : parts)
+    offsets.push_back(offsets.back() + part.size());
+  run_buffer all(std::max<size_t>(offsets.back(), 2000));
+  parallel_for(parts.size(), [&](size_t i) {
+    const size_t bytes = parts[i].size() * sizeof(int32_t);
+    if (bytes == 0) return;
+    std::memcpy(all.rows() + offsets[i], parts[i].rows(), bytes);
+    std::memcpy(all.begins() + offsets[i], parts[i].begins(), bytes);
+    std::memcpy(all.ends() + offsets[i], parts[i].ends(), bytes);
+  });
+  all.set_size(offsets.back());
+  return all;
+}
+
+using band_function = void (*)(const run_view&, const row_list&,
+                               const bit_plan&, int64_t, int64_t, run_buffer*);
+
+run_buffer in_bands(const run_view& source, const row_list& rows,
+                    const element_runs& element, band_function work) {
+  const bit_plan plan(element);
+  const std::vector<band> bands = bands_of(rows, extent_of(element));
+  std::vector<run_buffer> parts(bands.size());
+  parallel_for(bands.size(), [&](size_t i) {
+    work(source, rows, plan, bands[i].first_row, bands[i].last_row, &parts[i]);
+  });
+  return joined(std::move(parts));
+}
+
+}  // namespace
 
 run_buffer dilate(const run_view& source, const element_runs& element) {
-  return plain_dilate(source, element);
+  if (source.count == 0) return run_buffer();
+  const row_list rows(source);
+  const extent from = extent_of(source, rows);
+  const extent by = extent_of(element);
+  if (!fits(from + by)) throw_realloc_failed();
+  if (!moderate(from) || !moderate(by)) return plain_dilate(source, element);
+  return in_bands(source, rows, element, bit_dilate);
 }
 
 run_buffer erode(const run_view& source, const element_runs& element) {
-  return plain_erode(source, element);
+  if (source.count == 0) return run_buffer();
+  const row_list rows(source);
+  const element_runs mirrored = reflected(element);
+  const extent from = extent_of(source, rows);
+  const extent by = extent_of(mirrored);
+  if (!fits(from + by) || !moderate(from) || !moderate(by))
+    return plain_erode(source, element);
+  return in_bands(source, rows, mirrored, bit_erode);
 }
 
 }  // namespace vexo::internal

@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: MIT
+#include "region/internal/bit_rows.h"
+
+#include <algorithm>
+#include <atomic>
+#include <bit>
+#include <cstring>
+
+#if defined(__GNUC__) && defined(__x86_64__)
+#include <immintrin.h>
+#define VEXO_VECTORS 1
+#define VEXO_INLINE inline __attribute__((always_inline))
+#define VEXO_AVX2 __attribute__((target("avx2,bmi,bmi2,lzcnt,popcnt")))
+#define VEXO_AVX512                                                           \
+  __attribute__((                                                             \
+      target("avx2,bmi,bmi2,lzcnt,popcnt,avx512f,avx512bw,avx512dq,avx512vl," \
+             "avx512vbmi,avx512vbmi2")))
+#else
+#define VEXO_VECTORS 0
+#define VEXO_INLINE inline
+#endif
+
+namespace vexo::internal {
+namespace {
+
+// --- Bodies, compiled once for every vector width ---------------------------
+
+// Every bit becomes the parity of itself and all lower bits.
+VEXO_INLINE uint64_t running_parity(uint64_t x) {
+  x ^= x << 1;
+  x ^= x << 2;
+  x ^= x << 4;
+  x ^= x << 8;
+  x ^= x << 16;
+  x ^= x << 32;
+  return x;
+}
+
+VEXO_INLINE size_t row_end_body(const int32_t* rows, size_t first,
+                                size_t count) {
+  constexpr size_t kBatch = 16;
+  const int32_t row = rows[first];
+  size_t i = first + 1;
+  // Rows ascend: a batch is of one row if its last entry is.
+  while (i + kBatch <= count && rows[i + kBatch - 1] == row) i += kBatch;
+  while (i < count && rows[i] == row) ++i;
+  return i;
+}
+
+VEXO_INLINE int32_t longest_body(const int32_t* begins, const int32_t* ends,
+                                 size_t count) {
+  int32_t most = -1;
+  for (size_t i = 0; i < count; ++i) most = std::max(most, ends[i] - begins[i]);
+  return most;
+}
+
+// `mask_of` turns 64 marks into 64 bits.
+template <typename MaskOf>
+VEXO_INLINE void fill_between_body(unsigned char* marks, size_t words,
+                                   uint64_t* bits, MaskOf mask_of) {
+  uint64_t inside = 0;  // all ones between runs' ends
+  for (size_t w = 0; w < words; ++w) {
+    bits[w] = running_parity(mask_of(marks + 64 * w)) ^ inside;
+    inside = uint64_t{0} - (bits[w] >> 63);
+  }
+  std::memset(marks, 0, 64 * words);
+}
+
+VEXO_INLINE uint64_t mask_of_plain(const unsigned char* marks) {
+  uint64_t mask = 0;
+  for (int part = 0; part < 8; ++part) {
+    uint64_t eight;
+    std::memcpy(&eight, marks + 8 * part, 8);
+    // One bit of each byte, gathered in the top byte.
+    eight = (eight & 0x0101010101010101u) * 0x0102040810204080u;
+    mask |= (eight >> 56) << (8 * part);
+  }
+  return mask;
+}
+
+VEXO_INLINE size_t count_runs_body(const uint64_t* bits, size_t words) {
+  size_t count = 0;
+  uint64_t before = 0;
+  for (size_t w = 0; w < words; ++w) {
+    count +=
+        static_cast<size_t>(std::popcount(bits[w] & ~(bits[w] << 1 | before)));
+    before = bits[w] >> 63;
+  }
+  return count;
+}
+
+// `expand` writes the columns of a mask's bits.
+template <typename Expand>
+VEXO_INLINE size_t write_runs_body(const uint64_t* bits, size_t words,
+                                   int32_t origin, int32_t* begins,
+                                   int32_t* ends, Expand expand) {
+  const int32_t* const first = begins;
+  uint64_t before = 0;
+  for (size_t w = 0; w < words; ++w) {
+    const uint64_t word = bits[w];
+    const uint64_t after = w + 1 < words ? bits[w + 1] << 63 : 0;
+    const uint64_t starts = word & ~(word << 1 | before);
+    const uint64_t stops = word & ~(word >> 1 | after);
+    before = word >> 63;
+    if ((starts | stops) == 0) continue;
+    // Modulo 2^32: column 0 of the row need not be a column.
+    const auto column = static_cast<int32_t>(static_cast<uint32_t>(origin) +
+                                             static_cast<uint32_t>(64 * w));
+    expand(starts, column, begins);
+    expand(stops, column, ends);
+    begins += std::popcount(starts);
+    ends += std::popcount(stops);
+  }
+  return static_cast<size_t>(begins - first);
+}
+
+VEXO_INLINE void expand_plain(uint64_t mask, int32_t column, int32_t* out) {
+  for (; mask != 0; mask &= mask - 1) {
+    *out++ =
+        static_cast<int32_t>(static_cast<uint32_t>(column) +
+                             static_cast<uint32_t>(std::countr_zero(mask)));
+  }
+}
+
+// kWordsPerBlock words at once, at any address.
+#if defined(__GNUC__)
+typedef uint64_t block
+    __attribute__((vector_size(8 * kWordsPerBlock), aligned(8), may_alias));
+VEXO_INLINE const block& block_at(const uint64_t* words) {
+  return *reinterpret_cast<const block*>(words);
+}
+VEXO_INLINE block& block_at(uint64_t* words) {
+  return *reinterpret_cast<block*>(words);
+}
+constexpr size_t kStep = kWordsPerBlock;
+#else
+using block = uint64_t;
+inline const block& block_at(const uint64_t* words) { return *words; }
+inline block& block_at(uint64_t* words) { return *words; }
+constexpr size_t kStep = 1;
+#endif
+
+struct unite {
+  VEXO_INLINE static void add(const block& from, block* to) { *to |= from; }
+};
+struct intersect {
+  VEXO_INLINE static void add(const block& from, block* to) { *to &= from; }
+};
+
+template <typename Combine>
+VEXO_INLINE void spread_body(const uint64_t* from, uint64_t* to, size_t words,
+                             size_t down, size_t up) {
+  const uint64_t* low = from - static_cast<ptrdiff_t>(up / 64);
+  const uint64_t* high = from + down / 64;
+  up %= 64;
+  down %= 64;
+  for (size_t w = 0; w < words; w += kStep) {
+    block sum = block_at(from + w);
+    // A shift by 64 is undefined; two shifts are not.
+    const block raised =
+        block_at(low + w) << up | block_at(low + w - 1) >> 1 >> (63 - up);
+    const block lowered = block_at(high + w) >> down | block_at(high + w + 1)
+                                                           << 1 << (63 - down);
+    Combine::add(raised, &sum);
+    Combine::add(lowered, &sum);
+    block_at(to + w) = sum;
+  }
+}
+
+VEXO_INLINE void move_body(const uint64_t* from, uint64_t* to, size_t words,
+                           ptrdiff_t up) {
+  // Whole words first, rounded down; what is left moves up.
+  const ptrdiff_t whole = up >= 0 ? up / 64 : -((-up + 63) / 64);
+  const uint64_t* low = from - whole;
+  up -= 64 * whole;
+  for (size_t w = 0; w < words; w += kStep) {
+    block_at(to + w) =
+        block_at(low + w) << up | block_at(low + w - 1) >> 1 >> (63 - up);
+  }
+}
+
+template <typename Combine>
+VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
+                            size_t count, size_t words) {
+  for (size_t t = 0; t < count; ++t) {
+    uint64_t* row = into[t];
+    for (size_t w = 0; w < words; w += kStep)
+      Combine::add(block_at(from + w), &block_at(row + w));
+  }
+}
+
+#define VEXO_KERNELS(width, attribute, mask_of, expand)                        \
+  attribute void fill_between_##width(unsigned char* marks, size_t words,      \
+                                      uint64_t* bits) {                        \
+    fill_between_body(marks, words, bits, mask_of);                            \
+  }                                                                            \
+  attribute size_t row_end_##width(const int32_t* rows, size_t first,          \
+                                   size_t count) {                             \
+    return row_end_body(rows, first, count);                                   \
+  }                                                                            \
+  attribute int32_t longest_##width(const int32_t* begins,                     \
+                                    const int32_t* ends, size_t count) {       \
+    return longest_body(begins, ends, count);                                  \
+  }                                                                            \
+  attribute size_t count_runs_##width(const uint64_t* bits, size_t words) {    \
+    return count_runs_body(bits, words);                                       \
+  }                                                                            \
+  attribute size_t write_runs_##width(const uint64_t* bits, size_t words,      \
+                                      int32_t origin, int32_t* begins,         \
+                                      int32_t* ends) {                         \
+    return write_runs_body(bits, words, origin, begins, ends, expand);         \
+  }                                                                            \
+  attribute void spread_or_##width(const uint64_t* from, uint64_t* to,         \
+                                   size_t words, size_t down, size_t up) {     \
+    spread_body<unite>(from, to, words, down, up);                             \
+  }                                                                            \
+  attribute void spread_and_##width(const uint64_t* from, uint64_t* to,        \
+                                    size_t words, size_t down, size_t up) {    \
+    spread_body<intersect>(from, to, words, down, up);                         \
+  }                                                                            \
+  attribute void move_##width(const uint64_t* from, uint64_t* to,              \
+                              size_t words, ptrdiff_t up) {                    \
+    move_body(from, to, words, up);                                            \
+  }                                                                            \
+  attribute void merge_or_##width(const uint64_t* from, uint64_t* const* into, \
+                                  size_t count, size_t words) {                \
+    merge_body<unite>(from, into, count, words);                               \
+  }                                                                            \
+  attribute void merge_and_##width(const uint64_t* from,                       \
+                                   uint64_t* const* into, size_t count,        \
+                                   size_t words) {                             \
+    merge_body<intersect>(from, into, count, words);                           \
+  }                                                                            \
+  constexpr bit_kernels kKernels_##width = {                                   \
+      fill_between_##width, row_end_##width,    longest_##width,               \
+      count_runs_##width,   write_runs_##width, spread_or_##width,             \
+      spread_and_##width,   move_##width,       merge_or_##width,              \
+      merge_and_##width};
+
+VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
+
+#if VEXO_VECTORS
+
+struct mask_of_avx2 {
+  VEXO_AVX2 uint64_t operator()(const unsigned char* marks) const {
+    const auto* halves = reinterpret_cast<const __m256i*>(marks);
+    const auto low =
+        static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_loadu_si256(halves)));
+    const auto high = static_cast<uint32_t>(
+        _mm256_movemask_epi8(_mm256_loadu_si256(halves + 1)));
+    return uint64_t{high} << 32 | low;
+  }
+};
+
+struct mask_of_avx512 {
+  VEXO_AVX512 uint64_t operator()(const unsigned char* marks) const {
+    return _mm512_movepi8_mask(_mm512_loadu_si512(marks));
+  }
+};
+
+// 16 columns at a time, more than there are: hence kRunSlack.
+struct expand_avx512 {
+  VEXO_AVX512 void operator()(uint64_t mask, int32_t column,
+                              int32_t* out) const {
+    alignas(64) static constexpr unsigned char kCounting[64] = {
+        0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
+        16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31,
+        32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43, 44, 45, 46, 47,
+        48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63};
+    // Masked forms throughout: the others read registers not yet written.
+    constexpr __mmask16 kAll = 0xffff;
+    const __m512i bytes =
+        _mm512_maskz_compress_epi8(mask, _mm512_load_si512(kCounting));
+    const __m512i base = _mm512_set1_epi32(column);
+    const __m512i low = _mm512_maskz_cvtepu8_epi32(
+        kAll, _mm512_maskz_extracti32x4_epi32(0xf, bytes, 0));
+    _mm512_storeu_si512(out, _mm512_add_epi32(base, low));
+    if (std::popcount(mask) > 16) {
+      const __m512i high = _mm512_maskz_cvtepu8_epi32(
+          kAll, _mm512_maskz_extracti32x4_epi32(0xf, bytes, 1));
+      _mm512_storeu_si512(out + 16, _mm512_add_epi32(base, high));
+    }
+  }
+};
+
+VEXO_KERNELS(avx2, VEXO_AVX2, mask_of_avx2{}, expand_plain)
+VEXO_KERNELS(avx512, VEXO_AVX512, mask_of_avx512{}, expand_avx512{})
+
+#endif
+
+vector_width machine_vectors() {
+#if VEXO_VECTORS
+  if (__builtin_cpu_supports("avx512vbmi2") &&
+      __builtin_cpu_supports("avx512vbmi") &&
+      __builtin_cpu_supports("avx512bw") &&
+      __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"))
+    return vector_width::bits512;
+  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2"))
+    return vector_width::bits256;
+#endif
+  return vector_width::plain;
+}
+
+std::atomic<vector_width> g_limit{vector_width::bits512};
+
+}  // namespace
+
+vector_width widest_vectors() {
+  static const vector_width machine = machine_vectors();
+  return std::min(machine, g_limit.load(std::memory_order_relaxed));
+}
+
+void set_vector_limit(vector_width limit) { g_limit.store(limit); }
+
+const bit_kernels& kernels() {
+#if VEXO_VECTORS
+  if (widest_vectors() == vector_width::bits512) return kKernels_avx512;
+  if (widest_vectors() == vector_width::bits256) return kKernels_avx2;
+#endif
+  return kKernels_plain;
+}
+
+}  // namespace vexo::internal

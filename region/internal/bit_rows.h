@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+//
+// Rows of bits, one bit a pixel, and what the dense forms do with them. Every
+// function exists for several vector widths; results are the same bit by bit.
+//
+// A row is a number of words, a multiple of kWordsPerBlock. Bit b of word w is
+// column 64 * w + b of the row.
+#ifndef VEXO_REGION_INTERNAL_BIT_ROWS_H_
+#define VEXO_REGION_INTERNAL_BIT_ROWS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vexo::internal {
+
+constexpr size_t kWordsPerBlock = 8;
+// write_runs() may write this many entries past the last run.
+constexpr size_t kRunSlack = 32;
+
+enum class vector_width { plain, bits256, bits512 };
+
+// The widest that this machine has, or the limit when that is narrower.
+vector_width widest_vectors();
+
+// For tests and benches. Not to be called while an operation runs.
+void set_vector_limit(vector_width limit);
+
+// How bits move along a row: towards higher columns by `up`, lower by `down`.
+struct bit_kernels {
+  // Bits between an odd and the next even mark (0xff), the odd one included.
+  // Clears the marks: 64 * words of them, one a column.
+  void (*fill_between)(unsigned char* marks, size_t words, uint64_t* bits);
+
+  // One past the last of the entries from `first` on that equal rows[first].
+  size_t (*row_end)(const int32_t* rows, size_t first, size_t count);
+  // The greatest end - begin; -1 for no runs. Differences must fit.
+  int32_t (*longest)(const int32_t* begins, const int32_t* ends, size_t count);
+
+  // The number of runs of ones, and the runs themselves; column 0 of the row
+  // is column `origin`. write_runs() returns their number.
+  size_t (*count_runs)(const uint64_t* bits, size_t words);
+  size_t (*write_runs)(const uint64_t* bits, size_t words, int32_t origin,
+                       int32_t* begins, int32_t* ends);
+
+  // to = from, from moved up and from moved down, united or intersected.
+  // Words outside the row are read as far as the moves reach.
+  void (*spread_or)(const uint64_t* from, uint64_t* to, size_t words,
+                    size_t down, size_t up);
+  void (*spread_and)(const uint64_t* from, uint64_t* to, size_t words,
+                     size_t down, size_t up);
+  // to = from moved up (or down, when negative).
+  void (*move)(const uint64_t* from, uint64_t* to, size_t words, ptrdiff_t up);
+  // into |= from, into &= from, for several rows `into`.
+  void (*merge_or)(const uint64_t* from, uint64_t* const* into, size_t count,
+                   size_t words);
+  void (*merge_and)(const uint64_t* from, uint64_t* const* into, size_t count,
+                    size_t words);
+};
+
+// For widest_vectors().
+const bit_kernels& kernels();
+
+}  // namespace vexo::internal
+
+#endif  // VEXO_REGION_INTERNAL_BIT_ROWS_H_
