@@ -180,11 +180,9 @@ class bit_band {
   // The source row as bits, in line 0.
   void load(size_t i) {
     const int64_t origin = columns_.min - plan_.reach_down();
-    unsigned char* marks = marks_.data();
-    for (size_t r = rows_.first(i); r < rows_.last(i); ++r) {
-      marks[source_.begins[r] - origin] ^= 0xff;
-      marks[source_.ends[r] - origin + 1] ^= 0xff;
-    }
+    const size_t first = rows_.first(i);
+    k_.mark_runs(source_.begins + first, source_.ends + first,
+                 rows_.last(i) - first, origin, marks_.data());
     k_.fill_between(marks_.data(), words_, line(0));
   }
 

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #if defined(__GNUC__) && defined(__x86_64__)
 #include <immintrin.h>
@@ -52,6 +53,36 @@ VEXO_INLINE int32_t longest_body(const int32_t* begins, const int32_t* ends,
   int32_t most = -1;
   for (size_t i = 0; i < count; ++i) most = std::max(most, ends[i] - begins[i]);
   return most;
+}
+
+VEXO_INLINE void dilate_strip_body(const int32_t* begins, const int32_t* ends,
+                                   size_t length, const int32_t* element_begins,
+                                   const int32_t* element_ends, size_t height,
+                                   int32_t* __restrict result_begins,
+                                   int32_t* __restrict result_ends) {
+  // Sums are symmetric: the longer of the two is gone through at once.
+  if (length < height) {
+    std::swap(begins, element_begins);
+    std::swap(ends, element_ends);
+    std::swap(length, height);
+  }
+  for (size_t j = 0; j < height; ++j) {
+    const int32_t begin = element_begins[j];
+    const int32_t end = element_ends[j];
+    for (size_t i = 0; i < length; ++i) {
+      result_begins[i + j] = std::min(result_begins[i + j], begins[i] + begin);
+      result_ends[i + j] = std::max(result_ends[i + j], ends[i] + end);
+    }
+  }
+}
+
+VEXO_INLINE void mark_runs_body(const int32_t* begins, const int32_t* ends,
+                                size_t count, int64_t origin,
+                                unsigned char* marks) {
+  for (size_t i = 0; i < count; ++i) {
+    marks[begins[i] - origin] = 0xff;
+    marks[ends[i] - origin + 1] = 0xff;
+  }
 }
 
 // `mask_of` turns 64 marks into 64 bits.
@@ -190,6 +221,18 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
 }
 
 #define VEXO_KERNELS(width, attribute, mask_of, expand)                        \
+  attribute void dilate_strip_##width(                                         \
+      const int32_t* begins, const int32_t* ends, size_t length,               \
+      const int32_t* element_begins, const int32_t* element_ends,              \
+      size_t height, int32_t* result_begins, int32_t* result_ends) {           \
+    dilate_strip_body(begins, ends, length, element_begins, element_ends,      \
+                      height, result_begins, result_ends);                     \
+  }                                                                            \
+  attribute void mark_runs_##width(const int32_t* begins, const int32_t* ends, \
+                                   size_t count, int64_t origin,               \
+                                   unsigned char* marks) {                     \
+    mark_runs_body(begins, ends, count, origin, marks);                        \
+  }                                                                            \
   attribute void fill_between_##width(unsigned char* marks, size_t words,      \
                                       uint64_t* bits) {                        \
     fill_between_body(marks, words, bits, mask_of);                            \
@@ -232,10 +275,10 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
     merge_body<intersect>(from, into, count, words);                           \
   }                                                                            \
   constexpr bit_kernels kKernels_##width = {                                   \
-      fill_between_##width, row_end_##width,    longest_##width,               \
-      count_runs_##width,   write_runs_##width, spread_or_##width,             \
-      spread_and_##width,   move_##width,       merge_or_##width,              \
-      merge_and_##width};
+      dilate_strip_##width, mark_runs_##width, fill_between_##width,           \
+      row_end_##width,      longest_##width,   count_runs_##width,             \
+      write_runs_##width,   spread_or_##width, spread_and_##width,             \
+      move_##width,         merge_or_##width,  merge_and_##width};
 
 VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
 

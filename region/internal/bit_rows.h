@@ -27,6 +27,18 @@ void set_vector_limit(vector_width limit);
 
 // How bits move along a row: towards higher columns by `up`, lower by `down`.
 struct bit_kernels {
+  // Adds to result[i + j] what source[i] and element[j] give, for a strip of
+  // `length` rows and an element of `height` rows: the lowest sum of begins,
+  // the highest of ends.
+  void (*dilate_strip)(const int32_t* begins, const int32_t* ends,
+                       size_t length, const int32_t* element_begins,
+                       const int32_t* element_ends, size_t height,
+                       int32_t* result_begins, int32_t* result_ends);
+
+  // Marks where the runs begin and one past where they end; column `origin` is
+  // mark 0. The runs are canonical, so that no mark is set twice.
+  void (*mark_runs)(const int32_t* begins, const int32_t* ends, size_t count,
+                    int64_t origin, unsigned char* marks);
   // Bits between an odd and the next even mark (0xff), the odd one included.
   // Clears the marks: 64 * words of them, one a column.
   void (*fill_between)(unsigned char* marks, size_t words, uint64_t* bits);

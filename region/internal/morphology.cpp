@@ -2,12 +2,14 @@
 #include "region/internal/morphology.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "region/internal/bit_morphology.h"
 #include "region/internal/parallel.h"
 #include "region/internal/plain_morphology.h"
 #include "region/internal/row_list.h"
+#include "region/internal/strip_morphology.h"
 
 namespace vexo::internal {
 namespace {
@@ -96,21 +98,77 @@ run_buffer joined(std::vector<run_buffer> parts) {
   return all;
 }
 
-using band_function = void (*)(const run_view&, const row_list&,
-                               const bit_plan&, int64_t, int64_t, run_buffer*);
+std::atomic<morphology_form> g_form{morphology_form::cheapest};
 
-run_buffer in_bands(const run_view& source, const row_list& rows,
-                    const element_runs& element, band_function work) {
-  const bit_plan plan(element);
-  const std::vector<band> bands = bands_of(rows, extent_of(element));
-  std::vector<run_buffer> parts(bands.size());
-  parallel_for(bands.size(), [&](size_t i) {
-    work(source, rows, plan, bands[i].first_row, bands[i].last_row, &parts[i]);
-  });
-  return joined(std::move(parts));
-}
+// One dilation or erosion, band by band.
+class morphology {
+ public:
+  enum class kind { dilation, erosion };
+
+  // The element of an erosion comes mirrored: then both kinds move source rows
+  // and columns by the element's.
+  morphology(kind what, const run_view& source, const row_list& rows,
+             const element_runs& element)
+      : what_(what),
+        source_(source),
+        rows_(rows),
+        plan_(element),
+        strip_(element),
+        source_extent_(extent_of(source, rows)),
+        element_extent_(extent_of(element)) {}
+
+  run_buffer run() {
+    const std::vector<band> bands = bands_of(rows_, element_extent_);
+    std::vector<run_buffer> parts(bands.size());
+    parallel_for(bands.size(), [&](size_t i) { run(bands[i], &parts[i]); });
+    return joined(std::move(parts));
+  }
+
+ private:
+  // The one place where the form is chosen.
+  void run(const band& b, run_buffer* out) const {
+    const morphology_form form = g_form.load(std::memory_order_relaxed);
+    if (!strip_.empty() && form != morphology_form::bits) {
+      strip_band strips(
+          source_, rows_,
+          what_ == kind::dilation ? strip_band::of::runs : strip_band::of::gaps,
+          strip_, b.first_row, b.last_row);
+      if (form == morphology_form::strips || cost(strips) < cost_of_bits(b)) {
+        strips.append_result(out);
+        return;
+      }
+    }
+    if (what_ == kind::dilation) {
+      bit_dilate(source_, rows_, plan_, b.first_row, b.last_row, out);
+    } else {
+      bit_erode(source_, rows_, plan_, b.first_row, b.last_row, out);
+    }
+  }
+
+  double cost(const strip_band& strips) const {
+    const auto n = static_cast<double>(strips.intervals());
+    const double more = static_cast<double>(strips.strips() * strip_.height());
+    return 4 * n + 3 * (n + more) +
+           0.1 * n * static_cast<double>(strip_.height());
+  }
+
+  double cost_of_bits(const band& b) const {
+    (void)b;
+    return 0;
+  }
+
+  const kind what_;
+  const run_view& source_;
+  const row_list& rows_;
+  const bit_plan plan_;
+  const element_strip strip_;
+  const extent source_extent_;
+  const extent element_extent_;
+};
 
 }  // namespace
+
+void set_morphology_form(morphology_form form) { g_form.store(form); }
 
 run_buffer dilate(const run_view& source, const element_runs& element) {
   if (source.count == 0) return run_buffer();
@@ -118,8 +176,10 @@ run_buffer dilate(const run_view& source, const element_runs& element) {
   const extent from = extent_of(source, rows);
   const extent by = extent_of(element);
   if (!fits(from + by)) throw_realloc_failed();
-  if (!moderate(from) || !moderate(by)) return plain_dilate(source, element);
-  return in_bands(source, rows, element, bit_dilate);
+  if (!moderate(from) || !moderate(by) ||
+      g_form.load() == morphology_form::plain)
+    return plain_dilate(source, element);
+  return morphology(morphology::kind::dilation, source, rows, element).run();
 }
 
 run_buffer erode(const run_view& source, const element_runs& element) {
@@ -128,9 +188,10 @@ run_buffer erode(const run_view& source, const element_runs& element) {
   const element_runs mirrored = reflected(element);
   const extent from = extent_of(source, rows);
   const extent by = extent_of(mirrored);
-  if (!fits(from + by) || !moderate(from) || !moderate(by))
+  if (!fits(from + by) || !moderate(from) || !moderate(by) ||
+      g_form.load() == morphology_form::plain)
     return plain_erode(source, element);
-  return in_bands(source, rows, mirrored, bit_erode);
+  return morphology(morphology::kind::erosion, source, rows, mirrored).run();
 }
 
 }  // namespace vexo::internal

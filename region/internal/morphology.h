@@ -17,6 +17,17 @@ run_buffer dilate(const run_view& source, const element_runs& element);
 // { p : p + b in source for every b in element }
 run_buffer erode(const run_view& source, const element_runs& element);
 
+// Which form does the work; results are the same.
+enum class morphology_form {
+  cheapest,  // by the runs and rows of each band
+  strips,    // where the element allows it, else bits
+  bits,
+  plain
+};
+
+// For tests and benches. Not to be called while an operation runs.
+void set_morphology_form(morphology_form form);
+
 }  // namespace vexo::internal
 
 #endif  // VEXO_REGION_INTERNAL_MORPHOLOGY_H_
