@@ -235,8 +235,8 @@ class bit_band {
     while (rows_.row(*lead) < lead_row) ++*lead;
     if (rows_.row(*lead) != lead_row) return;
     const size_t first = rows_.first(*lead);
-    if (k_.longest(source_.begins + first, source_.ends + first,
-                   rows_.last(*lead) - first) < plan_.longest() - 1)
+    if (!k_.reaches(source_.begins + first, source_.ends + first,
+                    rows_.last(*lead) - first, plan_.longest() - 1))
       return;
     states_[slot(row)] = state::open;
     std::memset(results_.row(slot(row)), 0xff, words_ * sizeof(uint64_t));

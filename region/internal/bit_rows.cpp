@@ -48,11 +48,20 @@ VEXO_INLINE size_t row_end_body(const int32_t* rows, size_t first,
   return i;
 }
 
-VEXO_INLINE int32_t longest_body(const int32_t* begins, const int32_t* ends,
-                                 size_t count) {
-  int32_t most = -1;
-  for (size_t i = 0; i < count; ++i) most = std::max(most, ends[i] - begins[i]);
-  return most;
+VEXO_INLINE bool reaches_body(const int32_t* begins, const int32_t* ends,
+                              size_t count, int64_t length) {
+  if (length > UINT32_MAX) return false;
+  constexpr size_t kBatch = 1024;
+  for (size_t i = 0; i < count;) {
+    const size_t last = std::min(count, i + kBatch);
+    uint32_t most = 0;  // differences of 32 bits need no sign
+    for (; i < last; ++i) {
+      most = std::max(most, static_cast<uint32_t>(ends[i]) -
+                                static_cast<uint32_t>(begins[i]));
+    }
+    if (most >= length) return true;
+  }
+  return false;
 }
 
 VEXO_INLINE void dilate_strip_body(const int32_t* begins, const int32_t* ends,
@@ -66,6 +75,8 @@ VEXO_INLINE void dilate_strip_body(const int32_t* begins, const int32_t* ends,
     std::swap(ends, element_ends);
     std::swap(length, height);
   }
+  std::fill_n(result_begins, length + height - 1, INT32_MAX);
+  std::fill_n(result_ends, length + height - 1, INT32_MIN);
   for (size_t j = 0; j < height; ++j) {
     const int32_t begin = element_begins[j];
     const int32_t end = element_ends[j];
@@ -241,9 +252,9 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                                    size_t count) {                             \
     return row_end_body(rows, first, count);                                   \
   }                                                                            \
-  attribute int32_t longest_##width(const int32_t* begins,                     \
-                                    const int32_t* ends, size_t count) {       \
-    return longest_body(begins, ends, count);                                  \
+  attribute bool reaches_##width(const int32_t* begins, const int32_t* ends,   \
+                                 size_t count, int64_t length) {               \
+    return reaches_body(begins, ends, count, length);                          \
   }                                                                            \
   attribute size_t count_runs_##width(const uint64_t* bits, size_t words) {    \
     return count_runs_body(bits, words);                                       \
@@ -276,7 +287,7 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
   }                                                                            \
   constexpr bit_kernels kKernels_##width = {                                   \
       dilate_strip_##width, mark_runs_##width, fill_between_##width,           \
-      row_end_##width,      longest_##width,   count_runs_##width,             \
+      row_end_##width,      reaches_##width,   count_runs_##width,             \
       write_runs_##width,   spread_or_##width, spread_and_##width,             \
       move_##width,         merge_or_##width,  merge_and_##width};
 

@@ -27,9 +27,9 @@ void set_vector_limit(vector_width limit);
 
 // How bits move along a row: towards higher columns by `up`, lower by `down`.
 struct bit_kernels {
-  // Adds to result[i + j] what source[i] and element[j] give, for a strip of
-  // `length` rows and an element of `height` rows: the lowest sum of begins,
-  // the highest of ends.
+  // A strip of `length` rows and an element of `height` rows give length +
+  // height - 1: row k has the lowest begins[i] + element_begins[k - i] and the
+  // highest ends[i] + element_ends[k - i].
   void (*dilate_strip)(const int32_t* begins, const int32_t* ends,
                        size_t length, const int32_t* element_begins,
                        const int32_t* element_ends, size_t height,
@@ -45,8 +45,9 @@ struct bit_kernels {
 
   // One past the last of the entries from `first` on that equal rows[first].
   size_t (*row_end)(const int32_t* rows, size_t first, size_t count);
-  // The greatest end - begin; -1 for no runs. Differences must fit.
-  int32_t (*longest)(const int32_t* begins, const int32_t* ends, size_t count);
+  // Whether some end - begin is at least `length`.
+  bool (*reaches)(const int32_t* begins, const int32_t* ends, size_t count,
+                  int64_t length);
 
   // The number of runs of ones, and the runs themselves; column 0 of the row
   // is column `origin`. write_runs() returns their number.

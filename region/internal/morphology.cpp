@@ -117,7 +117,15 @@ class morphology {
         source_extent_(extent_of(source, rows)),
         element_extent_(extent_of(element)) {}
 
-  run_buffer run() {
+  // Elements that are no strips leave bits or nothing but runs.
+  bool better_plain() const {
+    const load all{static_cast<double>(source_.count),
+                   static_cast<double>(rows_.count())};
+    const double element_runs = static_cast<double>(plan_.rows().size());
+    return !strips_possible() && 8 * all.runs * element_runs < bit_cost(all);
+  }
+
+  run_buffer run() const {
     const std::vector<band> bands = bands_of(rows_, element_extent_);
     std::vector<run_buffer> parts(bands.size());
     parallel_for(bands.size(), [&](size_t i) { run(bands[i], &parts[i]); });
@@ -125,17 +133,33 @@ class morphology {
   }
 
  private:
-  // The one place where the form is chosen.
+  // Their columns are 32 bits and never overflow.
+  bool strips_possible() const {
+    constexpr int64_t kMost = int64_t{1} << 29;
+    return !strip_.empty() && source_extent_.min_col > -kMost &&
+           source_extent_.max_col < kMost && element_extent_.min_col > -kMost &&
+           element_extent_.max_col < kMost;
+  }
+
+  // The one place where the form of a band is chosen: by estimates in
+  // nanoseconds, from runs, rows and words of bits. The factors are measured
+  // (bench_morphology); what matters is that they are right within a factor
+  // of two. Strips are counted only if they could win.
   void run(const band& b, run_buffer* out) const {
     const morphology_form form = g_form.load(std::memory_order_relaxed);
-    if (!strip_.empty() && form != morphology_form::bits) {
-      strip_band strips(
-          source_, rows_,
-          what_ == kind::dilation ? strip_band::of::runs : strip_band::of::gaps,
-          strip_, b.first_row, b.last_row);
-      if (form == morphology_form::strips || cost(strips) < cost_of_bits(b)) {
-        strips.append_result(out);
-        return;
+    if (strips_possible() && form != morphology_form::bits) {
+      const load l = load_of(b);
+      const bool surely = form == morphology_form::strips;
+      if (surely || strip_cost(l.runs, l.runs / 5) < bit_cost(l)) {
+        strip_band strips(source_, rows_,
+                          what_ == kind::dilation ? strip_band::of::runs
+                                                  : strip_band::of::gaps,
+                          strip_, b.first_row, b.last_row);
+        if (surely || strip_cost(l.runs, static_cast<double>(strips.strips())) <
+                          bit_cost(l)) {
+          strips.append_result(out);
+          return;
+        }
       }
     }
     if (what_ == kind::dilation) {
@@ -145,16 +169,32 @@ class morphology {
     }
   }
 
-  double cost(const strip_band& strips) const {
-    const auto n = static_cast<double>(strips.intervals());
-    const double more = static_cast<double>(strips.strips() * strip_.height());
-    return 4 * n + 3 * (n + more) +
-           0.1 * n * static_cast<double>(strip_.height());
+  // A source band: what the costs depend on.
+  struct load {
+    double runs;
+    double rows;
+  };
+  load load_of(const band& b) const {
+    const size_t first = rows_.find(b.first_row - element_extent_.max_row);
+    const size_t last = rows_.find(b.last_row - element_extent_.min_row + 1);
+    return {static_cast<double>(rows_.first(last) - rows_.first(first)),
+            static_cast<double>(last - first)};
   }
 
-  double cost_of_bits(const band& b) const {
-    (void)b;
-    return 0;
+  double strip_cost(double runs, double strips) const {
+    const auto height = static_cast<double>(strip_.height());
+    return runs * (9 + 0.12 * height) + strips * height * 3.5;
+  }
+
+  double bit_cost(const load& l) const {
+    const double columns =
+        static_cast<double>(source_extent_.max_col - source_extent_.min_col +
+                            element_extent_.max_col - element_extent_.min_col);
+    const double words = columns / 64 + 8;
+    const double per_word = 3.5 +
+                            0.3 * static_cast<double>(plan_.steps().size()) +
+                            0.22 * static_cast<double>(plan_.rows().size());
+    return l.runs + l.rows * (30 + words * per_word);
   }
 
   const kind what_;
@@ -165,6 +205,18 @@ class morphology {
   const extent source_extent_;
   const extent element_extent_;
 };
+
+}  // namespace
+
+namespace {
+
+// No run is as long as the element's longest.
+bool nothing_fits(const run_view& source, const element_runs& element) {
+  int64_t longest = 0;
+  for (const element_run& run : element)
+    longest = std::max(longest, run.end - run.begin);
+  return !kernels().reaches(source.begins, source.ends, source.count, longest);
+}
 
 }  // namespace
 
@@ -179,11 +231,12 @@ run_buffer dilate(const run_view& source, const element_runs& element) {
   if (!moderate(from) || !moderate(by) ||
       g_form.load() == morphology_form::plain)
     return plain_dilate(source, element);
-  return morphology(morphology::kind::dilation, source, rows, element).run();
+  const morphology work(morphology::kind::dilation, source, rows, element);
+  return work.better_plain() ? plain_dilate(source, element) : work.run();
 }
 
 run_buffer erode(const run_view& source, const element_runs& element) {
-  if (source.count == 0) return run_buffer();
+  if (source.count == 0 || nothing_fits(source, element)) return run_buffer();
   const row_list rows(source);
   const element_runs mirrored = reflected(element);
   const extent from = extent_of(source, rows);
@@ -191,7 +244,8 @@ run_buffer erode(const run_view& source, const element_runs& element) {
   if (!fits(from + by) || !moderate(from) || !moderate(by) ||
       g_form.load() == morphology_form::plain)
     return plain_erode(source, element);
-  return morphology(morphology::kind::erosion, source, rows, mirrored).run();
+  const morphology work(morphology::kind::erosion, source, rows, mirrored);
+  return work.better_plain() ? plain_erode(source, element) : work.run();
 }
 
 }  // namespace vexo::internal

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "region/internal/element.h"
+#include "region/internal/memory.h"
 #include "region/internal/row_list.h"
 #include "region/internal/runs.h"
 
@@ -48,49 +49,57 @@ class strip_band {
              const element_strip& element, int64_t first_row, int64_t last_row);
 
   size_t strips() const { return strips_.size(); }
-  size_t intervals() const { return begins_.size(); }
+  size_t intervals() const { return owners_.size(); }
 
   // The dilation of the runs, or what the dilation of the gaps leaves.
   void append_result(run_buffer* out);
 
  private:
   struct strip {
-    int64_t first_row;  // of the source, later of the result
-    size_t length;
-    size_t offset;  // of its first row in the columns
+    int64_t first_row;
+    int64_t last_row;
+    // The columns hold row r of the strip at base + r.
+    int64_t base;
   };
-  // A strip at the result row at hand: where its begin and end stand.
-  struct front {
-    int32_t begin;
-    size_t at;
-    size_t last;  // one past
+  struct row_span {
+    int64_t row;
+    size_t first;  // of its intervals
+    size_t last;   // one past
   };
 
-  void add_row(int64_t row, size_t first, size_t last);
-  void add_interval(int32_t begin, int32_t end, int64_t row);
+  void find_rows(const row_list& rows);
+  void add_gaps(int64_t row, size_t first, size_t last);
   void link_rows();
+  bool continues(const row_span& above, const row_span& now);
+  void link(const row_span& above, const row_span& now);
   void sort_into_columns();
   void dilate_columns();
-  void meet_new_fronts(int64_t row);
-  void sort_fronts();
-  void append_row(int64_t row, run_buffer* out);
+  void admit(int64_t row);
+  void dismiss(int64_t row);
+  void sort_fronts(size_t n, int64_t row);
+  bool append_row(int64_t row, run_buffer* out);
 
   const run_view& source_;
   const of which_;
   const element_strip& element_;
   const int64_t first_row_, last_row_;
 
-  // Intervals of the source rows, and the strip of each.
-  std::vector<int32_t> begins_, ends_;
-  std::vector<uint32_t> owners_;
-  std::vector<size_t> row_firsts_;  // and one past the last
-  std::vector<int64_t> row_numbers_;
+  // Intervals of the source rows: the runs themselves, or gaps made here. And
+  // the strip that each one is part of.
+  const int32_t* begins_;
+  const int32_t* ends_;
+  std::vector<int32_t> gap_begins_, gap_ends_;
+  std::vector<row_span> spans_;
+  buffer<uint32_t> owners_;
   std::vector<strip> strips_;
 
   // Begins and ends strip after strip: of the source, then of the result.
-  std::vector<int32_t> column_begins_, column_ends_;
-  std::vector<front> fronts_, merged_;
+  buffer<int32_t> column_begins_, column_ends_;
+  // The strips that the result row at hand meets, in the order of their begins,
+  // and the first row that one of them does not reach any more.
+  std::vector<strip> fronts_, merged_;
   size_t next_strip_ = 0;
+  int64_t next_end_ = 0;
 };
 
 }  // namespace vexo::internal
