@@ -2,10 +2,11 @@
 #include "region/internal/bit_rows.h"
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <cstring>
 #include <utility>
+
+#include "region/internal/row_scan.h"
 
 #if defined(__GNUC__) && defined(__x86_64__)
 #include <immintrin.h>
@@ -342,34 +343,13 @@ VEXO_KERNELS(avx512, VEXO_AVX512, mask_of_avx512{}, expand_avx512{})
 
 #endif
 
-vector_width machine_vectors() {
-#if VEXO_VECTORS
-  if (__builtin_cpu_supports("avx512vbmi2") &&
-      __builtin_cpu_supports("avx512vbmi") &&
-      __builtin_cpu_supports("avx512bw") &&
-      __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"))
-    return vector_width::bits512;
-  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2"))
-    return vector_width::bits256;
-#endif
-  return vector_width::plain;
-}
-
-std::atomic<vector_width> g_limit{vector_width::bits512};
-
 }  // namespace
-
-vector_width widest_vectors() {
-  static const vector_width machine = machine_vectors();
-  return std::min(machine, g_limit.load(std::memory_order_relaxed));
-}
-
-void set_vector_limit(vector_width limit) { g_limit.store(limit); }
 
 const bit_kernels& kernels() {
 #if VEXO_VECTORS
-  if (widest_vectors() == vector_width::bits512) return kKernels_avx512;
-  if (widest_vectors() == vector_width::bits256) return kKernels_avx2;
+  const vector_level level = current_vector_level();
+  if (level == vector_level::kAvx512) return kKernels_avx512;
+  if (level == vector_level::kAvx2) return kKernels_avx2;
 #endif
   return kKernels_plain;
 }

@@ -17,14 +17,6 @@ constexpr size_t kWordsPerBlock = 8;
 // write_runs() may write this many entries past the last run.
 constexpr size_t kRunSlack = 32;
 
-enum class vector_width { plain, bits256, bits512 };
-
-// The widest that this machine has, or the limit when that is narrower.
-vector_width widest_vectors();
-
-// For tests and benches. Not to be called while an operation runs.
-void set_vector_limit(vector_width limit);
-
 // How bits move along a row: towards higher columns by `up`, lower by `down`.
 struct bit_kernels {
   // A strip of `length` rows and an element of `height` rows give length +
@@ -70,7 +62,7 @@ struct bit_kernels {
                     size_t words);
 };
 
-// For widest_vectors().
+// For current_vector_level().
 const bit_kernels& kernels();
 
 }  // namespace vexo::internal

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <limits>
 
 #include "region/internal/bit_morphology.h"
 #include "region/internal/parallel.h"
@@ -191,6 +192,13 @@ class morphology {
         static_cast<double>(source_extent_.max_col - source_extent_.min_col +
                             element_extent_.max_col - element_extent_.min_col);
     const double words = columns / 64 + 8;
+    // Working memory beyond the caches' reach is out of the question.
+    constexpr double kMostWords = 1 << 20;
+    constexpr double kMostRingWords = 1 << 23;
+    const double ring = words * static_cast<double>(element_extent_.max_row -
+                                                    element_extent_.min_row);
+    if (words > kMostWords || ring > kMostRingWords)
+      return std::numeric_limits<double>::infinity();
     const double per_word = 3.5 +
                             0.3 * static_cast<double>(plan_.steps().size()) +
                             0.22 * static_cast<double>(plan_.rows().size());

@@ -91,8 +91,12 @@ const row_scan& row_scan_of(vector_level level) {
   }
 }
 
+vector_level current_vector_level() {
+  return std::min(g_limit.load(std::memory_order_relaxed), best_vector_level());
+}
+
 const row_scan& current_row_scan() {
-  return row_scan_of(g_limit.load(std::memory_order_relaxed));
+  return row_scan_of(current_vector_level());
 }
 
 void set_vector_limit(vector_level level) {

@@ -44,8 +44,9 @@ enum class vector_level { kPlain, kAvx2, kAvx512 };
 vector_level best_vector_level();
 const row_scan& row_scan_of(vector_level level);
 
-// row_scan_of() the best level, or of the limit set for tests and benches.
+// The best level, or the limit set for tests and benches.
 const row_scan& current_row_scan();
+vector_level current_vector_level();
 void set_vector_limit(vector_level level);
 
 #if defined(__x86_64__) && defined(__GNUC__)

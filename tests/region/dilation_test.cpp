@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "region/operations.h"
 #include "region_cases.h"
 
@@ -206,6 +208,66 @@ TEST(Dilation, ElementWithChildrenIsUsedUnshiftedByTheReferenceForm) {
   vexo::dilation1(source, element, &output);
   element.child_count = 0;
   EXPECT_EQ(chords_of(output), (Runs{{-3, -2, -2}}));
+}
+
+TEST(Dilation2, CoordinatesBeyond32BitsThrowAndLeaveTheOutputAsItWas) {
+  constexpr int kLow = INT32_MIN;
+  constexpr int kHigh = INT32_MAX;
+  for (const Runs& runs :
+       {Runs{{0, kHigh - 1, kHigh}}, Runs{{0, kLow, kLow}}, Runs{{kLow, 0, 0}},
+        Runs{{3, 0, 0}, {kHigh, 0, 0}}}) {
+    const region source = region_of(runs, 7, 8);
+    region output = region_of({{1, 2, 3}});
+    try {
+      vexo::dilation2(source, circle(1), &output, -1, -1);
+      ADD_FAILURE() << "no error";
+    } catch (const std::runtime_error& e) {
+      EXPECT_STREQ(e.what(), "realloc failed");
+    }
+    EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}}));
+    EXPECT_EQ(output.width, -1);
+  }
+}
+
+TEST(Dilation1, CoordinatesBeyond32BitsThrowAndLeaveTheOutputAsItWas) {
+  region source = region_of({{0, INT32_MAX, INT32_MAX}});
+  region element = circle(1);
+  region output = region_of({{1, 2, 3}});
+  EXPECT_THROW(vexo::dilation1(source, element, &output), std::runtime_error);
+  EXPECT_EQ(chords_of(output), (Runs{{1, 2, 3}}));
+}
+
+TEST(Dilation2, ReachesTheVeryLastCoordinates) {
+  constexpr int kLow = INT32_MIN;
+  constexpr int kHigh = INT32_MAX;
+  region output;
+  vexo::dilation2(region_of({{kLow + 1, kLow + 1, kHigh - 1},
+                             {kHigh - 1, kHigh - 1, kHigh - 1}}),
+                  circle(1), &output, -1, -1);
+  EXPECT_EQ(runs_of(output), (Runs{{kLow, kLow + 1, kHigh - 1},
+                                   {kLow + 1, kLow, kHigh},
+                                   {kLow + 2, kLow + 1, kHigh - 1},
+                                   {kHigh - 2, kHigh - 1, kHigh - 1},
+                                   {kHigh - 1, kHigh - 2, kHigh},
+                                   {kHigh, kHigh - 1, kHigh - 1}}));
+}
+
+TEST(Dilation2, ReferencePointMayBeFarFromTheElement) {
+  region output;
+  vexo::dilation2(region_of({{2, 2147483640, 2147483640}}),
+                  region_of({{-3, 0, 1}}), &output, 2147483647, -2147483648);
+  EXPECT_EQ(runs_of(output), (Runs{{2147483647, -7, -6}}));
+}
+
+TEST(Dilation, ElementWithoutRunsLeavesOutputAsItWas) {
+  region source = region_of({{0, 0, 4}}, 7, 8);
+  region element;
+  region output = region_of({{1, 2, 3}});
+  vexo::dilation2(source, element, &output, -1, -1);
+  vexo::dilation1(source, element, &output);
+  EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(chords_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(output.width, -1);
 }
 
 TEST(Dilation2, AgreesWithPixelOracle) {

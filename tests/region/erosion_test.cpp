@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "region/operations.h"
 #include "region_cases.h"
 
@@ -135,6 +137,44 @@ TEST(Erosion1, ElementWithChildrenIsUsedUnshifted) {
   element.child_count = 0;
   EXPECT_EQ(chords_of(output),
             (Runs{{-3, -2, -1}, {-2, -2, -1}, {-1, -2, -1}}));
+}
+
+TEST(Erosion2, ResultIsRightWhereIntermediateSumsLeave32Bits) {
+  constexpr int kLow = INT32_MIN;
+  constexpr int kHigh = INT32_MAX;
+  region output;
+  vexo::erosion2(region_of({{kLow, kLow, kHigh}, {kHigh, kLow, kHigh}}),
+                 region_of({{0, -5, 5}}), &output, 0, 0);
+  EXPECT_EQ(runs_of(output),
+            (Runs{{kLow, kLow + 5, kHigh - 5}, {kHigh, kLow + 5, kHigh - 5}}));
+  vexo::erosion2(region_of({{0, kHigh - 10, kHigh}}), region_of({{0, -9, -5}}),
+                 &output, -9, 0);
+  EXPECT_EQ(runs_of(output), (Runs{{0, kHigh - 10, kHigh - 4}}));
+}
+
+TEST(Erosion2, CoordinatesBeyond32BitsThrowAndLeaveTheOutputAsItWas) {
+  const region source = region_of({{0, INT32_MAX - 3, INT32_MAX}}, 7, 8);
+  const region element = region_of({{0, -9, -8}});
+  region output = region_of({{1, 2, 3}});
+  try {
+    vexo::erosion2(source, element, &output, 0, 0);
+    ADD_FAILURE() << "no error";
+  } catch (const std::runtime_error& e) {
+    EXPECT_STREQ(e.what(), "realloc failed");
+  }
+  EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(output.width, -1);
+}
+
+TEST(Erosion, ElementWithoutRunsLeavesOutputAsItWas) {
+  region source = region_of({{0, 0, 4}}, 7, 8);
+  region element;
+  region output = region_of({{1, 2, 3}});
+  vexo::erosion2(source, element, &output, -1, -1);
+  vexo::erosion1(source, element, &output);
+  EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(chords_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(output.width, -1);
 }
 
 TEST(Erosion2, AgreesWithPixelOracle) {

@@ -5,9 +5,9 @@
 // and many.
 #include <gtest/gtest.h>
 
-#include "region/internal/bit_rows.h"
 #include "region/internal/morphology.h"
 #include "region/internal/parallel.h"
+#include "region/internal/row_scan.h"
 #include "region/operations.h"
 #include "region_cases.h"
 
@@ -16,14 +16,14 @@ namespace {
 
 using vexo::region;
 using vexo::internal::morphology_form;
-using vexo::internal::vector_width;
+using vexo::internal::vector_level;
 
 // What a test sets is undone when it ends.
 class MorphologyForms : public testing::Test {
  protected:
   ~MorphologyForms() override {
     vexo::internal::set_morphology_form(morphology_form::cheapest);
-    vexo::internal::set_vector_limit(vector_width::bits512);
+    vexo::internal::set_vector_limit(vector_level::kAvx512);
     vexo::internal::set_thread_limit(0);
   }
 };
@@ -63,6 +63,151 @@ TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
       ASSERT_EQ(results.dilated, dilated);
       ASSERT_EQ(results.eroded, eroded);
     }
+  }
+}
+
+constexpr morphology_form kForms[] = {
+    morphology_form::cheapest, morphology_form::strips, morphology_form::bits,
+    morphology_form::plain};
+
+// Larger than any vector, several bands high, with rows and columns of nothing.
+region large_region(uint64_t seed) {
+  Random random(seed);
+  const int height = random.between(300, 700);
+  const int width = random.between(1, 1700);
+  const int shift = random.between(-3000, 3000);
+  const int kind = random.between(0, 3);
+  Runs runs;
+  for (int row = 0; row < height; ++row) {
+    if (row % 97 > 90 && kind != 3) continue;
+    int column = random.between(0, 20);
+    while (column < width) {
+      const int length = kind == 0   ? random.between(1, 4)
+                         : kind == 1 ? random.between(1, 200)
+                         : kind == 2 ? 30 + row % 13
+                                     : random.between(60, 64);
+      runs.push_back({row + shift, column + shift, column + shift + length});
+      column += length + 2 +
+                (kind == 0   ? random.between(0, 5)
+                 : kind == 2 ? row % 7
+                             : 61);
+    }
+  }
+  if (runs.empty()) runs.push_back({shift, shift, shift});
+  return region_of(runs);
+}
+
+TEST_F(MorphologyForms, AllFormsAndVectorWidthsAgreeOnLargeRegions) {
+  for (uint64_t seed = 0; seed < 40; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const region source = large_region(seed);
+    const region element = region_of(random_element(random));
+    vexo::internal::set_morphology_form(morphology_form::plain);
+    const Results expected = results_of(source, element);
+    ASSERT_TRUE(is_canonical(expected.dilated));
+    ASSERT_TRUE(is_canonical(expected.eroded));
+    for (const morphology_form form : kForms) {
+      vexo::internal::set_morphology_form(form);
+      for (const vector_level level :
+           {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+        vexo::internal::set_vector_limit(level);
+        ASSERT_TRUE(results_of(source, element) == expected)
+            << static_cast<int>(form) << " " << static_cast<int>(level);
+      }
+    }
+  }
+}
+
+TEST_F(MorphologyForms, EveryNumberOfThreadsGivesTheSame) {
+  for (uint64_t seed = 0; seed < 40; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed + 1000);
+    const region source = large_region(seed);
+    const region element = region_of(random_element(random));
+    vexo::internal::set_thread_limit(1);
+    const Results expected = results_of(source, element);
+    for (const int threads : {2, 3, 8}) {
+      vexo::internal::set_thread_limit(threads);
+      ASSERT_TRUE(results_of(source, element) == expected) << threads;
+    }
+  }
+}
+
+TEST_F(MorphologyForms, AllAgreeOnTwelveMegapixels) {
+  Runs runs;
+  Random random(7);
+  for (int row = 0; row < 3000; ++row) {
+    // Dense above, sparse below: both kinds of bands.
+    const int most = row < 1500 ? 20 : 900;
+    for (int column = 0; column < 4000;) {
+      const int end = std::min(3999, column + random.between(0, most));
+      runs.push_back({row, column, end});
+      column = end + 2 + random.between(0, most);
+    }
+  }
+  const region source = region_of(runs, 4000, 3000);
+  region element;
+  vexo::gen_se_circle(5, &element);
+  vexo::internal::set_morphology_form(morphology_form::plain);
+  const Results expected = results_of(source, element);
+  for (const morphology_form form : kForms) {
+    vexo::internal::set_morphology_form(form);
+    ASSERT_TRUE(results_of(source, element) == expected)
+        << static_cast<int>(form);
+  }
+}
+
+TEST_F(MorphologyForms, RowsAndColumnsFarApartCostNothing) {
+  const region source = region_of({{-2000000000, -2000000000, -1999999990},
+                                   {-1999999999, -2000000000, -1999999990},
+                                   {0, 5, 5},
+                                   {1999999999, 1999999000, 1999999999}});
+  region element;
+  vexo::gen_se_rectangle(3, 3, &element);
+  Runs dilated;
+  for (int row = -2000000001; row <= -1999999998; ++row)
+    dilated.push_back({row, -2000000001, -1999999989});
+  for (int row = -1; row <= 1; ++row) dilated.push_back({row, 4, 6});
+  for (int row = 1999999998; row <= 2000000000; ++row)
+    dilated.push_back({row, 1999998999, 2000000000});
+  for (const morphology_form form : kForms) {
+    vexo::internal::set_morphology_form(form);
+    const Results results = results_of(source, element);
+    EXPECT_EQ(results.dilated, dilated);
+    EXPECT_EQ(results.eroded, Runs{});
+    EXPECT_EQ(results.closed, runs_of(source));
+  }
+}
+
+TEST_F(MorphologyForms, RowsFarApartAreSeparateBands) {
+  const region source = region_of({{0, 5, 9}, {100000000, 5, 9}});
+  for (const int height : {3, 501}) {
+    region element;
+    vexo::gen_se_rectangle(3, height, &element);
+    for (const morphology_form form : kForms) {
+      vexo::internal::set_morphology_form(form);
+      const Results results = results_of(source, element);
+      EXPECT_EQ(results.dilated.size(), 2u * static_cast<size_t>(height));
+      EXPECT_EQ(results.closed, runs_of(source));
+    }
+  }
+}
+
+TEST_F(MorphologyForms, ElementsWithRowsFarApart) {
+  const region source = region_of({{0, 0, 9}, {3000, 0, 9}, {3001, 4, 4}});
+  const region element = region_of({{0, 0, 1}, {3000, 0, 3}});
+  for (const morphology_form form : kForms) {
+    vexo::internal::set_morphology_form(form);
+    region eroded, dilated;
+    vexo::erosion2(source, element, &eroded, 0, 0);
+    vexo::dilation2(source, element, &dilated, 0, 0);
+    EXPECT_EQ(runs_of(eroded), (Runs{{0, 0, 6}}));
+    EXPECT_EQ(runs_of(dilated), (Runs{{0, 0, 10},
+                                      {3000, 0, 12},
+                                      {3001, 4, 5},
+                                      {6000, 0, 12},
+                                      {6001, 4, 7}}));
   }
 }
 
