@@ -34,8 +34,7 @@ element_strip::element_strip(const element_runs& element)
 strip_band::strip_band(const run_view& source, const row_list& rows, of which,
                        const element_strip& element, int64_t first_row,
                        int64_t last_row)
-    : source_(source),
-      which_(which),
+    : which_(which),
       element_(element),
       first_row_(first_row),
       last_row_(last_row),

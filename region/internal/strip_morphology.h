@@ -79,7 +79,6 @@ class strip_band {
   void sort_fronts(size_t n, int64_t row);
   bool append_row(int64_t row, run_buffer* out);
 
-  const run_view& source_;
   const of which_;
   const element_strip& element_;
   const int64_t first_row_, last_row_;
