@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // What the controls hold when the dialog opens.
-#include <algorithm>
 #include <span>
 
+#include "app/placement.h"
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
@@ -138,17 +138,13 @@ void CRendalDlg::FillCombos() {
        static_cast<int>(std::size(ui_text::kFindLineDisplays)) - 1);
 }
 
-// On a screen smaller than the dialog the system may centre the title away.
 void CRendalDlg::KeepTitleOnScreen() {
   CRect window;
   GetWindowRect(&window);
   CRect work;
   ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-  const int left = std::max<int>(
-      work.left, std::min<int>(window.left, work.right - window.Width()));
-  const int top = std::max<int>(
-      work.top, std::min<int>(window.top, work.bottom - window.Height()));
-  SetWindowPos(nullptr, left, top, 0, 0,
+  const CPoint place = rendal::PlaceForTitle(window, work);
+  SetWindowPos(nullptr, place.x, place.y, 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

@@ -6,8 +6,10 @@
 #include <thread>
 
 #include "app/build_date.h"
+#include "app/placement.h"
 #include "app/rendal_app.h"
 #include "app/start_options.h"
+#include "app/view/view_globals.h"
 #include "tests/windows/gui_objects.h"
 #include "tests/windows/main_dialog.h"
 
@@ -46,6 +48,16 @@ TEST_F(StartUp, TitleCarriesTheBuildDate) {
     const std::wregex title(L"测量    20[0-9][0-9]-[01][0-9]-[0-3][0-9]");
     EXPECT_TRUE(std::regex_match(TextOf(dialog.m_hWnd), title));
   });
+}
+
+TEST(Placement, TitleOfALargerWindowStaysInReach) {
+  const CRect work(0, 24, 1366, 768);
+  using rendal::PlaceForTitle;
+  EXPECT_EQ(PlaceForTitle(CRect(4, -45, 1360, 835), work), CPoint(4, 24));
+  EXPECT_EQ(PlaceForTitle(CRect(-100, 30, 1500, 500), work), CPoint(0, 30));
+  EXPECT_EQ(PlaceForTitle(CRect(1200, 600, 1400, 800), work),
+            CPoint(1166, 568));
+  EXPECT_EQ(PlaceForTitle(CRect(100, 100, 300, 300), work), CPoint(100, 100));
 }
 
 TEST(BuildDate, ReadsTheCompilersDate) {
@@ -134,6 +146,20 @@ TEST_F(StartUp, StateBeforeTheFirstLoad) {
         EXPECT_EQ(dialog.m_roiShapes[i].values[k], expected[i][k]) << i;
       }
     }
+  });
+}
+
+TEST_F(StartUp, ViewIsAsItWasMeantBeforeAnyImage) {
+  rendal::g_view = {5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, true, 5};
+  Run([&] {
+    const rendal::ViewState& view = rendal::g_view;
+    EXPECT_EQ(view.zoom, 1.0f);
+    EXPECT_EQ(view.fitZoom, 1.0f);
+    EXPECT_EQ(view.minZoom, 0.125f);
+    EXPECT_EQ(view.offsetX, 0.0f);
+    EXPECT_EQ(view.pointerY, 0);
+    EXPECT_FALSE(view.dragging);
+    EXPECT_EQ(view.grabbed, -1);
   });
 }
 
