@@ -34,15 +34,24 @@ void free_run_arrays(region* r) {
   free_array(*r, r->col_ends);
 }
 
+// Everything that lies in no block, but the count.
+void free_own_arrays(region* r) {
+  free_run_arrays(r);
+  free_array(*r, r->chords);
+  if (r->children == nullptr) return;
+  internal::destroy_children(r->children, r->child_count);
+  std::free(r->children);
+}
+
 // Frees what the last owner of `r` owns.
 void free_all(region* r) {
   child_block* block = block_of(*r);
-  free_run_arrays(r);
-  free_array(*r, r->chords);
-  if (block == nullptr) std::free(r->ref_count);
-  internal::destroy_children(r->children, r->child_count);
-  std::free(r->children);
-  if (block != nullptr) block->leave(1);
+  free_own_arrays(r);
+  if (block == nullptr) {
+    std::free(r->ref_count);
+  } else {
+    block->leave(1);
+  }
 }
 
 // What assignment frees: no chords, no child regions. A block that holds the
@@ -108,15 +117,20 @@ region::~region() {
 }
 
 void region::operator delete(region* r, std::destroying_delete_t) {
-  child_block* block = block_of(*r);
-  const bool lives_in_block = block != nullptr && block->contains(r);
+  child_block* home = child_block::home_of(r);
   r->~region();
-  if (lives_in_block) {
-    block->leave(1);
+  if (home != nullptr) {
+    home->leave(1);
   } else {
     ::operator delete(r);
   }
 }
+
+void region::operator delete(void* memory) noexcept {
+  ::operator delete(memory);
+}
+
+void* region::operator new(size_t bytes) { return ::operator new(bytes); }
 
 void region::reserve(size_t n) {
   if (n <= capacity) return;
@@ -158,8 +172,30 @@ void region::from_3() {
 
 namespace internal {
 
+// Children that live in one block leave it together.
 void destroy_children(region** children, int32_t count) {
-  for (int32_t i = 0; i < count; ++i) delete children[i];
+  child_block* block = nullptr;
+  size_t leaving = 0;
+  for (int32_t i = 0; i < count; ++i) {
+    region* child = children[i];
+    if (child == nullptr) continue;
+    child_block* home = block_of(*child);
+    if (home == nullptr || !home->contains(child)) {
+      delete child;
+      continue;
+    }
+    if (home != block) {
+      if (leaving > 0) block->leave(leaving);
+      block = home;
+      leaving = 0;
+    }
+    leaving += 1;  // the object
+    if (--*child->ref_count == 0) {
+      free_own_arrays(child);
+      leaving += 1;  // its storage
+    }
+  }
+  if (leaving > 0) block->leave(leaving);
 }
 
 }  // namespace internal

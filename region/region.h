@@ -105,7 +105,9 @@ class region {
   // Children of one labelling share one allocation; delete finds out whether
   // `r` is one of them.
   static void operator delete(region* r, std::destroying_delete_t);
-  static void operator delete(void* memory) { ::operator delete(memory); }
+  static void operator delete(void* memory) noexcept;
+  static void* operator new(size_t bytes);
+  static void* operator new(size_t, void* place) noexcept { return place; }
 
  private:
   friend class internal::child_block;

@@ -42,8 +42,8 @@ scan_input band_of(const scan_input& image, const row_bands& bands,
 // Two passes: the first counts the runs of every band, so that the second
 // writes each run to its final place.
 //
-// make_room(total) prepares the result; write(band, i) writes the runs of the
-// band from run i on.
+// make_room(total) prepares the result; write(scan, band, scratch, i) writes
+// the runs of the band from run i on. All that can fail comes before make_room.
 template <class MakeRoom, class Write>
 void extract(const scan_input& image, MakeRoom make_room, Write write) {
   const size_t worth = image.rows() * image.width / kBandPixels;
@@ -51,14 +51,18 @@ void extract(const scan_input& image, MakeRoom make_room, Write write) {
   const auto n = static_cast<size_t>(bands.count());
   buffer<size_t> offsets(n + 1);
   const row_scan& scan = internal::current_row_scan();
+  const size_t scratch_bytes = scan.scratch_bytes(image.width);
+  buffer<char> scratch(n * scratch_bytes);
   internal::parallel_for(n, [&](size_t b) {
     offsets[b + 1] = scan.count(band_of(image, bands, b));
   });
   offsets[0] = 0;
   for (size_t b = 0; b < n; ++b) offsets[b + 1] += offsets[b];
   make_room(offsets[n]);
-  internal::parallel_for(
-      n, [&](size_t b) { write(band_of(image, bands, b), offsets[b]); });
+  internal::parallel_for(n, [&](size_t b) {
+    write(scan, band_of(image, bands, b), scratch.data() + b * scratch_bytes,
+          offsets[b]);
+  });
 }
 
 void set_image(region* result, int width, int height) {
@@ -74,9 +78,8 @@ void threshold(unsigned char* image, int width, int height, int min, int max,
   extract(
       input_of(image, width, height, min, max),
       [&](size_t total) { internal::resize_chords(result, total); },
-      [&](const scan_input& band, size_t i) {
-        internal::current_row_scan().to_chords(band, result->chords + i);
-      });
+      [&](const row_scan& scan, const scan_input& band, char* scratch,
+          size_t i) { scan.to_chords(band, scratch, result->chords + i); });
   set_image(result, width, height);
 }
 
@@ -86,9 +89,10 @@ void threshold_y(unsigned char* image, int width, int height, int min, int max,
   extract(
       input_of(image, width, height, min, max),
       [&](size_t total) { result->reserve(runs = total); },
-      [&](const scan_input& band, size_t i) {
-        internal::current_row_scan().to_runs(
-            band,
+      [&](const row_scan& scan, const scan_input& band, char* scratch,
+          size_t i) {
+        scan.to_runs(
+            band, scratch,
             {result->rows + i, result->col_begins + i, result->col_ends + i});
       });
   result->run_count = runs;

@@ -38,6 +38,10 @@ class child_block {
     return address >= reinterpret_cast<const char*>(this) && address < end_;
   }
 
+  // The block that `object` lives in, or null. A child that was assigned over
+  // points to another's storage; only its address tells.
+  static child_block* home_of(const region* object);
+
   // Says that n tenants (objects or storages) are gone; frees the block after
   // the last. Callable from any thread.
   void leave(size_t n);
@@ -48,6 +52,8 @@ class child_block {
   void discard();
 
  private:
+  void link();
+  void unlink();
   region* first_child();
   share_count* first_count();
 
@@ -56,6 +62,8 @@ class child_block {
   char* payload_;
   char* end_;
   void* memory_;
+  child_block* previous_;  // in the list of all blocks
+  child_block* next_;
 };
 
 // The block that holds the storage of `r`, or null.

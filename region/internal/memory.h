@@ -76,7 +76,7 @@ class buffer {
 
   // Room for n entries; those that fit stay.
   void resize(size_t n) {
-    data_ = reallocate(data_, n);
+    data_ = data_ == nullptr ? allocate<T>(n) : reallocate(data_, n);
     size_ = n;
   }
   // Room for at least n entries, growing by doubling.

@@ -4,30 +4,25 @@
 #ifndef VEXO_REGION_INTERNAL_RECTANGLE_H_
 #define VEXO_REGION_INTERNAL_RECTANGLE_H_
 
-#include <cstddef>
-#include <cstdint>
+#include "region/internal/hull.h"
 
 namespace vexo::internal {
 
-// Column and row, relative to any origin.
-struct point {
-  double x;
-  double y;
-};
-
-// side_w and side_h are the extents along u and along (-u.y, u.x), where u
-// points right or down-right: u.x > 0, u.y >= 0. The length of u means nothing.
+// side_w and side_h are the extents along (ux, uy) and along (-uy, ux), where u
+// points right or down-right: ux > 0, uy >= 0. Its length means nothing.
 struct rectangle {
   double side_w;
   double side_h;
-  point u;
+  double ux;
+  double uy;
 };
 
-// hull: n >= 2 corners, each a strict left turn (columns right, rows down).
 // Of equally small rectangles the one whose u turns least from the columns'
-// direction. For two corners side_w is their distance and side_h is 0.
-// Cost: O(n).
-rectangle smallest_rectangle(const point* hull, size_t n);
+// direction. For two corners side_w is their distance, u their direction (any
+// quadrant) and side_h is 0.
+//
+// Cost: O(n) for large n; all edges at once, O(n^2), for few corners.
+rectangle smallest_rectangle(const hull& corners);
 
 // The direction of the longer side, side_w's only if it is strictly longer, in
 // degrees in (-90, 90]; 0 along a row, positive when rising to the right.

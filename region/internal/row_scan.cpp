@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "region/internal/row_scan.h"
 
-#include <algorithm>
-#include <atomic>
-
 namespace vexo::internal {
 namespace {
 
@@ -35,7 +32,7 @@ size_t count_plain(const scan_input& in) {
   return n;
 }
 
-void to_runs_plain(const scan_input& in, const run_arrays& out) {
+void to_runs_plain(const scan_input& in, char*, const run_arrays& out) {
   size_t i = 0;
   scan(in, [&](int32_t row, int32_t begin, int32_t end) {
     out.rows[i] = row;
@@ -45,41 +42,19 @@ void to_runs_plain(const scan_input& in, const run_arrays& out) {
   });
 }
 
-void to_chords_plain(const scan_input& in, chord* out) {
+void to_chords_plain(const scan_input& in, char*, chord* out) {
   scan(in, [&out](int32_t row, int32_t begin, int32_t end) {
     *out++ = {begin, end, row, 0};
   });
 }
 
-constexpr row_scan kRowScanPlain{count_plain, to_runs_plain, to_chords_plain};
-
-vector_level find_best_level() {
-#ifdef VEXO_X86_VECTORS
-  __builtin_cpu_init();
-  if (__builtin_cpu_supports("avx512bw") &&
-      __builtin_cpu_supports("avx512vl") &&
-      __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2") &&
-      __builtin_cpu_supports("avx512vpopcntdq")) {
-    return vector_level::kAvx512;
-  }
-  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2")) {
-    return vector_level::kAvx2;
-  }
-#endif
-  return vector_level::kPlain;
-}
-
-std::atomic<vector_level> g_limit{vector_level::kAvx512};
+constexpr row_scan kRowScanPlain{[](size_t) -> size_t { return 0; },
+                                 count_plain, to_runs_plain, to_chords_plain};
 
 }  // namespace
 
-vector_level best_vector_level() {
-  static const vector_level best = find_best_level();
-  return best;
-}
-
-const row_scan& row_scan_of(vector_level level) {
-  switch (std::min(level, best_vector_level())) {
+const row_scan& current_row_scan() {
+  switch (current_vector_level()) {
 #ifdef VEXO_X86_VECTORS
     case vector_level::kAvx512:
       return kRowScanAvx512;
@@ -89,18 +64,6 @@ const row_scan& row_scan_of(vector_level level) {
     default:
       return kRowScanPlain;
   }
-}
-
-vector_level current_vector_level() {
-  return std::min(g_limit.load(std::memory_order_relaxed), best_vector_level());
-}
-
-const row_scan& current_row_scan() {
-  return row_scan_of(current_vector_level());
-}
-
-void set_vector_limit(vector_level level) {
-  g_limit.store(level, std::memory_order_relaxed);
 }
 
 }  // namespace vexo::internal

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "region/internal/vector_level.h"
 #include "region/region.h"
 
 namespace vexo::internal {
@@ -31,26 +32,20 @@ struct run_arrays {
   int32_t* ends;
 };
 
-// The three steps of extraction, in the order in which they are used. Nothing
-// is written beyond the runs that count() announced.
+// The steps of extraction: count() first, then one of the others. Nothing is
+// written beyond the runs that count() announced, and nothing is allocated:
+// scratch is scratch_bytes(width) bytes, a multiple of 64.
 struct row_scan {
+  size_t (*scratch_bytes)(size_t width);
   size_t (*count)(const scan_input& in);
-  void (*to_runs)(const scan_input& in, const run_arrays& out);
-  void (*to_chords)(const scan_input& in, chord* out);
+  void (*to_runs)(const scan_input& in, char* scratch, const run_arrays& out);
+  void (*to_chords)(const scan_input& in, char* scratch, chord* out);
 };
 
-// plain: pixel by pixel. Levels that the processor lacks are lowered.
-enum class vector_level { kPlain, kAvx2, kAvx512 };
-vector_level best_vector_level();
-const row_scan& row_scan_of(vector_level level);
-
-// The best level, or the limit set for tests and benches.
+// The form for the current vector level; plain goes pixel by pixel.
 const row_scan& current_row_scan();
-vector_level current_vector_level();
-void set_vector_limit(vector_level level);
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#define VEXO_X86_VECTORS 1
+#ifdef VEXO_X86_VECTORS
 extern const row_scan kRowScanAvx2;
 extern const row_scan kRowScanAvx512;
 #endif

@@ -8,7 +8,7 @@
 
 #include <immintrin.h>
 
-#include "region/internal/row_bits.h"
+#include <algorithm>
 
 #define VEXO_TARGET __attribute__((target("avx2,bmi,bmi2,popcnt,lzcnt")))
 
@@ -88,42 +88,51 @@ VEXO_TARGET size_t row_edges(const uint8_t* row, size_t width,
   return edges;
 }
 
+// The edges of a row.
+size_t scratch_bytes(size_t width) {
+  constexpr size_t kSlack = 8;
+  return ((width + 1 + kSlack) * sizeof(int32_t) + 63) / 64 * 64;
+}
+
 // Calls emit(edges, runs, row) for every row of the input.
 template <class Emit>
-VEXO_TARGET inline void scan(const scan_input& in, Emit emit) {
+VEXO_TARGET inline void scan(const scan_input& in, char* scratch, Emit emit) {
   const band inside(in);
-  buffer<int32_t> edges(in.width + 1 + row_bits::kSlack);
+  auto* const edges = reinterpret_cast<int32_t*>(scratch);
   const uint8_t* pixels = in.pixels;
   for (int32_t row = in.first_row; row < in.last_row; ++row) {
-    const size_t n = row_edges(pixels, in.width, inside, edges.data());
-    emit(edges.data(), n / 2, row);
+    const size_t n = row_edges(pixels, in.width, inside, edges);
+    emit(edges, n / 2, row);
     pixels += in.width;
   }
 }
 
-VEXO_TARGET void to_runs(const scan_input& in, const run_arrays& out) {
+VEXO_TARGET void to_runs(const scan_input& in, char* scratch,
+                         const run_arrays& out) {
   run_arrays to = out;
-  scan(in, [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
-    for (size_t i = 0; i < runs; ++i) {
-      to.rows[i] = row;
-      to.begins[i] = edge[2 * i];
-      to.ends[i] = edge[2 * i + 1] - 1;
-    }
-    to = {to.rows + runs, to.begins + runs, to.ends + runs};
-  });
+  scan(in, scratch,
+       [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
+         for (size_t i = 0; i < runs; ++i) {
+           to.rows[i] = row;
+           to.begins[i] = edge[2 * i];
+           to.ends[i] = edge[2 * i + 1] - 1;
+         }
+         to = {to.rows + runs, to.begins + runs, to.ends + runs};
+       });
 }
 
-VEXO_TARGET void to_chords(const scan_input& in, chord* out) {
-  scan(in, [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
-    for (size_t i = 0; i < runs; ++i) {
-      *out++ = {edge[2 * i], edge[2 * i + 1] - 1, row, 0};
-    }
-  });
+VEXO_TARGET void to_chords(const scan_input& in, char* scratch, chord* out) {
+  scan(in, scratch,
+       [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
+         for (size_t i = 0; i < runs; ++i) {
+           *out++ = {edge[2 * i], edge[2 * i + 1] - 1, row, 0};
+         }
+       });
 }
 
 }  // namespace
 
-const row_scan kRowScanAvx2{count, to_runs, to_chords};
+const row_scan kRowScanAvx2{scratch_bytes, count, to_runs, to_chords};
 
 }  // namespace vexo::internal
 

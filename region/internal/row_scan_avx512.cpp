@@ -137,27 +137,24 @@ VEXO_TARGET void spell_out(const uint64_t* words, const int32_t* columns,
 
 // Calls emit(edges, runs, row) for every row of the input that has runs.
 template <class Emit>
-VEXO_TARGET inline void scan(const scan_input& in, Emit emit) {
+VEXO_TARGET inline void scan(const scan_input& in, char* scratch, Emit emit) {
   const band inside(in);
-  row_bits block(in.width);
+  const row_bits block(in.width, scratch);
   for (size_t first = 0; first < in.rows(); first += block.rows) {
     const size_t rows = std::min(block.rows, in.rows() - first);
     const uint8_t* pixels = in.pixels + first * in.width;
     for (size_t r = 0; r < rows; ++r, pixels += in.width) {
       row_to_bits(pixels, in.width, inside, block.row(r));
     }
-    uint64_t* words = block.words.data();
-    int32_t* columns = block.columns.data();
-    size_t edges = 0;
+    uint64_t* words = block.words;
+    int32_t* columns = block.columns;
     for (size_t r = 0; r < rows; ++r) {
-      edges += block.row_edges[r] =
+      block.row_edges[r] =
           find_edges(block.row(r), block.words_per_row, &words, &columns);
     }
-    block.edges.ensure(edges + row_bits::kSlack);
-    spell_out(block.words.data(), block.columns.data(),
-              static_cast<size_t>(words - block.words.data()),
-              block.edges.data());
-    const int32_t* edge = block.edges.data();
+    spell_out(block.words, block.columns,
+              static_cast<size_t>(words - block.words), block.edges);
+    const int32_t* edge = block.edges;
     for (size_t r = 0; r < rows; ++r) {
       emit(edge, block.row_edges[r] / 2,
            in.first_row + static_cast<int32_t>(first + r));
@@ -166,51 +163,55 @@ VEXO_TARGET inline void scan(const scan_input& in, Emit emit) {
   }
 }
 
-VEXO_TARGET void to_runs(const scan_input& in, const run_arrays& out) {
+VEXO_TARGET void to_runs(const scan_input& in, char* scratch,
+                         const run_arrays& out) {
   run_arrays to = out;
   const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20,
                                          22, 24, 26, 28, 30);
   const __m512i one = _mm512_set1_epi32(1);
   const __m512i odd = _mm512_add_epi32(even, one);
-  scan(in, [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
-    const __m512i rows = _mm512_set1_epi32(row);
-    for (size_t i = 0; i < runs; i += 16) {
-      const auto lanes =
-          static_cast<__mmask16>(low_bits(std::min<size_t>(16, runs - i)));
-      const __m512i low = _mm512_loadu_si512(edge + 2 * i);
-      const __m512i high = _mm512_loadu_si512(edge + 2 * i + 16);
-      const __m512i ends = _mm512_permutex2var_epi32(low, odd, high);
-      _mm512_mask_storeu_epi32(to.rows + i, lanes, rows);
-      _mm512_mask_storeu_epi32(to.begins + i, lanes,
-                               _mm512_permutex2var_epi32(low, even, high));
-      _mm512_mask_storeu_epi32(to.ends + i, lanes, _mm512_sub_epi32(ends, one));
-    }
-    to = {to.rows + runs, to.begins + runs, to.ends + runs};
-  });
+  scan(in, scratch,
+       [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
+         const __m512i rows = _mm512_set1_epi32(row);
+         for (size_t i = 0; i < runs; i += 16) {
+           const auto lanes =
+               static_cast<__mmask16>(low_bits(std::min<size_t>(16, runs - i)));
+           const __m512i low = _mm512_loadu_si512(edge + 2 * i);
+           const __m512i high = _mm512_loadu_si512(edge + 2 * i + 16);
+           const __m512i ends = _mm512_permutex2var_epi32(low, odd, high);
+           _mm512_mask_storeu_epi32(to.rows + i, lanes, rows);
+           _mm512_mask_storeu_epi32(to.begins + i, lanes,
+                                    _mm512_permutex2var_epi32(low, even, high));
+           _mm512_mask_storeu_epi32(to.ends + i, lanes,
+                                    _mm512_sub_epi32(ends, one));
+         }
+         to = {to.rows + runs, to.begins + runs, to.ends + runs};
+       });
 }
 
-VEXO_TARGET void to_chords(const scan_input& in, chord* out) {
+VEXO_TARGET void to_chords(const scan_input& in, char* scratch, chord* out) {
   const __m512i spread = _mm512_setr_epi64(0, 4, 1, 4, 2, 4, 3, 4);
   const __m512i one_end = _mm512_set1_epi64(int64_t{1} << 32);
-  scan(in, [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
-    const __m512i rows =
-        _mm512_set1_epi64(static_cast<int64_t>(static_cast<uint32_t>(row)));
-    for (size_t i = 0; i < runs; i += 4) {
-      const auto lanes =
-          static_cast<__mmask8>(low_bits(2 * std::min<size_t>(4, runs - i)));
-      const __m512i pairs =
-          _mm512_sub_epi32(_mm512_loadu_si512(edge + 2 * i), one_end);
-      const __m512i chords =
-          _mm512_mask_permutexvar_epi64(rows, 0x55, spread, pairs);
-      _mm512_mask_storeu_epi64(out + i, lanes, chords);
-    }
-    out += runs;
-  });
+  scan(in, scratch,
+       [&](const int32_t* edge, size_t runs, int32_t row) VEXO_TARGET {
+         const __m512i rows = _mm512_set1_epi64(
+             static_cast<int64_t>(static_cast<uint32_t>(row)));
+         for (size_t i = 0; i < runs; i += 4) {
+           const auto lanes = static_cast<__mmask8>(
+               low_bits(2 * std::min<size_t>(4, runs - i)));
+           const __m512i pairs =
+               _mm512_sub_epi32(_mm512_loadu_si512(edge + 2 * i), one_end);
+           const __m512i chords =
+               _mm512_mask_permutexvar_epi64(rows, 0x55, spread, pairs);
+           _mm512_mask_storeu_epi64(out + i, lanes, chords);
+         }
+         out += runs;
+       });
 }
 
 }  // namespace
 
-const row_scan kRowScanAvx512{count, to_runs, to_chords};
+const row_scan kRowScanAvx512{row_bits::bytes, count, to_runs, to_chords};
 
 }  // namespace vexo::internal
 

@@ -141,6 +141,39 @@ TEST_P(Connection, AgreesWithFloodFill) {
   }
 }
 
+// Children share memory; each must still be a region of its own.
+TEST_P(Connection, ChildrenCanBeCopiedGrownAssignedAndTakenOut) {
+  const Picture p{"#.#.#.#.#", "#.#.#.#.#"};
+  region kept, assigned;
+  region* taken = nullptr;
+  const region other = vexo_test::region_of({{5, 6, 7}});
+  {
+    region input = vexo_test::picture(p);
+    region result;
+    ASSERT_EQ(connect(GetParam(), input, &result, 0), 5);
+    kept = *result.children[0];
+    result.children[1]->reserve(100);
+    result.children[1]->to_3();
+    result.children[1]->from_3();
+    *result.children[2] = other;
+    taken = result.children[3];
+    result.children[3] = nullptr;
+    assigned = *result.children[4];
+    EXPECT_EQ(runs_of(*result.children[1]), (Runs{{0, 2, 2}, {1, 2, 2}}));
+    EXPECT_EQ(chords_of(*result.children[1]), (Runs{{0, 2, 2}, {1, 2, 2}}));
+    EXPECT_EQ(*other.ref_count, 2);
+  }
+  EXPECT_EQ(*other.ref_count, 1);
+  const auto any = [&](const region& r) {
+    return GetParam() == Form::kRuns ? runs_of(r) : chords_of(r);
+  };
+  EXPECT_EQ(any(kept), (Runs{{0, 0, 0}, {1, 0, 0}}));
+  EXPECT_EQ(any(*taken), (Runs{{0, 6, 6}, {1, 6, 6}}));
+  delete taken;
+  EXPECT_EQ(any(assigned), (Runs{{0, 8, 8}, {1, 8, 8}}));
+  EXPECT_EQ(*assigned.ref_count, 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Forms, Connection,
                          testing::Values(Form::kChords, Form::kRuns,
                                          Form::kBands));

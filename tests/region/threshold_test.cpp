@@ -6,7 +6,7 @@
 #include "pictures.h"
 #include "random_regions.h"
 #include "region/internal/parallel.h"
-#include "region/internal/row_scan.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace {

@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: MIT
+//
+// Union-find on runs.
+//
+// [1] L. He, Y. Chao, K. Suzuki, A run-based two-scan labeling algorithm, IEEE
+//     Transactions on Image Processing 17, 2008.
+#include "region/internal/labelling.h"
+
+#include <algorithm>
+
+#include "region/internal/parallel.h"
+#include "region/internal/row_overlaps.h"
+
+namespace vexo::internal {
+namespace {
+
+// Runs below which a band is not worth a thread.
+constexpr size_t kBandRuns = 1 << 14;
+
+// A provisional label is the index of a run at which something began. parent
+// leads from every such label to a smaller one of the same component, or to
+// itself.
+int32_t root(int32_t* parent, int32_t label) {
+  while (parent[label] != label) {
+    label = parent[label] = parent[parent[label]];
+  }
+  return label;
+}
+
+void unite(int32_t* parent, int32_t a, int32_t b) {
+  if (a == b) return;
+  a = root(parent, a);
+  b = root(parent, b);
+  parent[std::max(a, b)] = std::min(a, b);
+}
+
+// The runs first..last - 1, whole rows.
+struct run_range {
+  size_t first;
+  size_t last;
+
+  size_t count() const { return last - first; }
+};
+
+// Labels one band of rows.
+class band_labeller {
+ public:
+  band_labeller(const run_view& runs, int32_t reach, int32_t* labels,
+                int32_t* parent)
+      : runs_(runs),
+        reach_(reach),
+        labels_(labels),
+        parent_(parent),
+        // Runs of a row are two columns apart, so that nothing that reaches a
+        // run from above reaches the next one but by reaching over its end.
+        count_overlaps_(reach == 0 || reach == 1 ? current_count_overlaps()
+                                                 : nullptr) {}
+
+  void label(const run_range& band) {
+    next_ = static_cast<int32_t>(band.first);
+    run_range above{band.first, band.first};
+    for (size_t i = band.first; i < band.last;) {
+      const run_range row{i, row_end(runs_, i)};
+      const bool follows = above.count() > 0 && is_below(above, row);
+      label_row(follows ? above : run_range{i, i}, row);
+      above = row;
+      i = row.last;
+    }
+  }
+
+  // Unites what touches across the seam between two rows of different bands.
+  void join(const run_range& above, const run_range& row) {
+    if (above.count() == 0 || !is_below(above, row)) return;
+    find_overlaps(above, row);
+    for (size_t i = 0; i < row.count(); ++i) {
+      for (size_t k = low_[i]; k < high_[i]; ++k) {
+        unite(parent_, labels_[above.first + k], labels_[row.first + i]);
+      }
+    }
+  }
+
+  // One past the last provisional label of the band.
+  int32_t end() const { return next_; }
+
+ private:
+  bool is_below(const run_range& above, const run_range& row) const {
+    return int64_t{runs_.rows[above.first]} + 1 == runs_.rows[row.first];
+  }
+
+  intervals intervals_of(const run_range& row) const {
+    return {runs_.begins + row.first, runs_.ends + row.first, row.count()};
+  }
+
+  void find_overlaps(const run_range& above, const run_range& row) {
+    low_.ensure(row.count());
+    high_.ensure(row.count());
+    if (count_overlaps_ != nullptr) {
+      count_overlaps_(intervals_of(above), intervals_of(row), reach_,
+                      low_.data(), high_.data());
+    } else {
+      walk(intervals_of(above), intervals_of(row));
+    }
+  }
+
+  // For a wider reach: a run above is done with when one below has ended at or
+  // behind its end, even if the next one is within reach.
+  void walk(const intervals& above, const intervals& row) {
+    size_t k = 0;
+    for (size_t i = 0; i < row.count; ++i) {
+      const int64_t begin = int64_t{row.begins[i]} - reach_;
+      const int64_t end = int64_t{row.ends[i]} + reach_;
+      while (k < above.count && above.ends[k] < begin) ++k;
+      low_[i] = static_cast<uint32_t>(k);
+      while (k < above.count && above.begins[k] <= end &&
+             above.ends[k] <= row.ends[i]) {
+        ++k;
+      }
+      const bool reaches_on = k < above.count && above.begins[k] <= end;
+      high_[i] = static_cast<uint32_t>(reaches_on ? k + 1 : k);
+    }
+  }
+
+  // Each run takes the label of the first that it touches above, or a new one;
+  // what else it touches is united with that afterwards. The only branch that
+  // depends on the picture is the rare third contact.
+  void label_row(const run_range& above, const run_range& row) {
+    if (above.count() == 0) {
+      for (size_t i = row.first; i < row.last; ++i) {
+        labels_[i] = parent_[next_] = next_;
+        ++next_;
+      }
+      return;
+    }
+    find_overlaps(above, row);
+    pairs_.ensure(2 * row.count() + above.count());
+    size_t pairs = 0;
+    const int32_t* const labels_above = labels_ + above.first;
+    int32_t* const labels = labels_ + row.first;
+    for (size_t i = 0; i < row.count(); ++i) {
+      const size_t low = low_[i], high = high_[i];
+      labels[i] = parent_[next_] = next_;
+      next_ += low >= high;
+      const int32_t* const from = low < high ? labels_above + low : labels + i;
+      const int32_t label = labels[i] = *from;
+      // The entry behind the row above is that of this row's first run.
+      pairs_[pairs] = {label, labels_above[std::min(low + 1, above.count())]};
+      pairs += low + 1 < high;
+      for (size_t k = low + 2; k < high; ++k) {
+        pairs_[pairs++] = {label, labels_above[k]};
+      }
+    }
+    for (size_t i = 0; i < pairs; ++i) {
+      unite(parent_, pairs_[i].first, pairs_[i].second);
+    }
+  }
+
+  struct label_pair {
+    int32_t first;
+    int32_t second;
+  };
+
+  const run_view& runs_;
+  int32_t reach_;
+  int32_t* labels_;
+  int32_t* parent_;
+  count_overlaps_function count_overlaps_;
+  int32_t next_ = 0;
+  buffer<uint32_t> low_, high_;
+  buffer<label_pair> pairs_;
+};
+
+// First run of the row that run i lies in.
+size_t row_begin(const run_view& runs, size_t i) {
+  const int32_t* const rows = runs.rows;
+  return static_cast<size_t>(std::lower_bound(rows, rows + i, rows[i]) - rows);
+}
+
+// Whole rows, about the same number of runs for every thread.
+buffer<run_range> split(const run_view& runs) {
+  const size_t pieces = piece_count(runs.count, kBandRuns);
+  buffer<run_range> bands(pieces);
+  for (size_t b = 0; b < pieces; ++b) {
+    bands[b].first = row_begin(runs, piece_begin(runs.count, pieces, b));
+    if (b > 0) bands[b - 1].last = bands[b].first;
+  }
+  bands[pieces - 1].last = runs.count;
+  return bands;
+}
+
+// The provisional labels that a band has used.
+struct label_range {
+  int32_t first;
+  int32_t last;
+};
+
+buffer<label_range> label_bands(const run_view& runs, int32_t reach,
+                                int32_t* labels, int32_t* parent) {
+  const buffer<run_range> bands = split(runs);
+  buffer<label_range> used(bands.size());
+  parallel_for(bands.size(), [&](size_t b) {
+    band_labeller labeller(runs, reach, labels, parent);
+    labeller.label(bands[b]);
+    used[b] = {static_cast<int32_t>(bands[b].first), labeller.end()};
+  });
+  band_labeller seams(runs, reach, labels, parent);
+  for (size_t b = 1; b < bands.size(); ++b) {
+    const size_t seam = bands[b].first;
+    if (seam == bands[b].last || seam == 0) continue;
+    seams.join({row_begin(runs, seam - 1), seam}, {seam, row_end(runs, seam)});
+  }
+  return used;
+}
+
+// Turns the roots' parents into component numbers, and all others' as well.
+int32_t number_components(const buffer<label_range>& used, int32_t* parent) {
+  int32_t next = 0;
+  for (const label_range& range : used) {
+    for (int32_t i = range.first; i < range.last; ++i) {
+      const int32_t to = parent[i];
+      const bool is_root = to == i;
+      parent[i] = is_root ? next : parent[to];
+      next += is_root;
+    }
+  }
+  return next;
+}
+
+}  // namespace
+
+labelling label_runs(const run_view& runs, int32_t reach) {
+  if (runs.count > kMaxChords) throw_realloc_failed();
+  labelling result;
+  result.labels = buffer<int32_t>(runs.count);
+  buffer<int32_t> parent(runs.count + 1);
+  int32_t* const labels = result.labels.data();
+  const auto used = label_bands(runs, reach, labels, parent.data());
+  result.components = number_components(used, parent.data());
+  result.counts = buffer<size_t>(static_cast<size_t>(result.components));
+  std::fill(result.counts.begin(), result.counts.end(), size_t{0});
+  for (size_t i = 0; i < runs.count; ++i) {
+    const int32_t component = parent[labels[i]];
+    labels[i] = component;
+    ++result.counts[component];
+  }
+  return result;
+}
+
+}  // namespace vexo::internal
