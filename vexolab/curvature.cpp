@@ -7,6 +7,8 @@
 #include <numbers>
 #include <optional>
 
+#include "vexolab/shape_fit.h"
+
 namespace vexolab {
 namespace {
 
@@ -87,12 +89,132 @@ double curvature_through(const frame& f, double ax, double ay, double bx,
   return mx * f.cos - my * f.sin > 0 ? k : -k;
 }
 
-}  // namespace
+// Which neighbours of rectangle i to ask for its curvature: those as far apart
+// as the rectangles are wide; nearer ones tell mostly noise. At most half a
+// radian away.
+int stride_at(const std::vector<frame>& frames, size_t i, double curvature) {
+  const frame& next = frames[neighbour(i, 1, frames.size())];
+  const double spacing = std::hypot(next.x - frames[i].x, next.y - frames[i].y);
+  if (!(spacing > 0)) return 1;
+  const double wanted = 2 * frames[i].half_width / spacing;
+  const double allowed = 0.5 / (std::fabs(curvature) * spacing);
+  return std::max(1, static_cast<int>(std::min({wanted, allowed, 1e4}) + 0.5));
+}
 
-std::vector<double> curvature_of_rectangles(const std::vector<frame>& frames) {
+// Curvature through the points of i and of neighbours on both sides, over that
+// through their rectangles' centres.
+void collect_ratios(const std::vector<frame>& frames,
+                    const std::vector<measured_point>& points, size_t i,
+                    double curvature, std::vector<double>* ratios) {
+  constexpr int kNeighbours = 3;
+  constexpr double kFarthestTurn = 3.2;  // half around: the rest is far away
+  const size_t n = frames.size();
+  const int stride = stride_at(frames, i, curvature);
+  const frame& next = frames[neighbour(i, stride, n)];
+  const double turn = std::fabs(curvature) *
+                      std::hypot(next.x - frames[i].x, next.y - frames[i].y);
+  ratios->clear();
+  for (int before = 1; before <= kNeighbours; ++before) {
+    for (int after = 1; after <= kNeighbours; ++after) {
+      const size_t a = neighbour(i, -before * stride, n);
+      const size_t c = neighbour(i, after * stride, n);
+      if (a == i || c == i || a == c) continue;
+      if (before + after > 2 && (before + after) * turn > kFarthestTurn) {
+        continue;
+      }
+      if (!points[a].found || !points[c].found) continue;
+      const double by_rectangles =
+          curvature_through(frames[i], frames[a].x, frames[a].y, frames[i].x,
+                            frames[i].y, frames[c].x, frames[c].y);
+      if (by_rectangles == 0) continue;
+      const double by_points =
+          curvature_through(frames[i], points[a].x, points[a].y, points[i].x,
+                            points[i].y, points[c].x, points[c].y);
+      ratios->push_back(by_points / by_rectangles);
+    }
+  }
+}
+
+// The median of the ratios if it can be believed: it is an ordinary one, or at
+// least four of them agree about it.
+std::optional<double> believable(std::vector<double>* ratios) {
+  constexpr double kAgreement = 0.3;
+  constexpr int kLeastAgreeing = 4;
+  if (ratios->empty()) return std::nullopt;
+  std::sort(ratios->begin(), ratios->end());
+  const size_t n = ratios->size();
+  const double median = ((*ratios)[(n - 1) / 2] + (*ratios)[n / 2]) / 2;
+  if (median > 0.5 && median < 2) return median;
+  const auto agreeing =
+      std::count_if(ratios->begin(), ratios->end(), [median](double ratio) {
+        return std::fabs(ratio - median) < kAgreement;
+      });
+  if (agreeing >= kLeastAgreeing) return median;
+  return std::nullopt;
+}
+
+// Curvature at each rectangle if all of them stand on one ellipse, along its
+// normals: then it is known exactly, however few they are.
+bool curvature_of_ellipse(const std::vector<frame>& frames,
+                          std::vector<double>* result) {
+  constexpr double kOnEllipsePx = 1e-3;
+  constexpr double kAlongNormal = 0.02;  // radians
+  const size_t n = frames.size();
+  if (n < 6) return false;
+  double left = frames[0].x, right = left, top = frames[0].y, bottom = top;
+  for (const frame& f : frames) {
+    left = std::min(left, f.x);
+    right = std::max(right, f.x);
+    top = std::min(top, f.y);
+    bottom = std::max(bottom, f.y);
+  }
+  const double unit = std::max(right - left, bottom - top) / 2;
+  const double x0 = (left + right) / 2;
+  const double y0 = (top + bottom) / 2;
+  if (!(unit > 0 && unit < 1e7)) return false;
+  std::vector<double> x(n), y(n), distance(n);
+  const std::vector<double> weight(n, 1.0);
+  for (size_t i = 0; i < n; ++i) {
+    x[i] = (frames[i].x - x0) / unit;
+    y[i] = (frames[i].y - y0) / unit;
+  }
+  const point_set points = {x.data(), y.data(), static_cast<int>(n)};
+  const auto fitted = make_ellipse_fit();
+  if (!fitted->fit(points, weight.data(), false)) return false;
+  fitted->distances(points, distance.data());
+  for (const double d : distance) {
+    if (!(d * unit < kOnEllipsePx + 1e-6 * unit)) return false;
+  }
+  double e[5];  // centre, angle, half-axes
+  fitted->report(x0, y0, unit, e);
+  const frame own = frame_of(e[0], e[1], e[2], 0, 0);
+  for (size_t i = 0; i < n; ++i) {
+    const frame& f = frames[i];
+    const double p = own.u_of(f.x, f.y) / e[3];
+    const double q = -own.v_of(f.x, f.y) / e[4];  // upward
+    const double nu = p / e[3];
+    const double nv = -q / e[4];
+    const double length = std::hypot(nu, nv);
+    const double nx = (nu * own.cos + nv * own.sin) / length;
+    const double ny = (-nu * own.sin + nv * own.cos) / length;
+    if (!(std::fabs(f.cos * ny + f.sin * nx) < kAlongNormal)) return false;
+    const double speed = std::hypot(e[3] * q, e[4] * p);
+    const double curvature = e[3] * e[4] / (speed * speed * speed);
+    (*result)[i] = f.cos * nx - f.sin * ny > 0 ? -curvature : curvature;
+  }
+  return true;
+}
+
+bool all_alike(const std::vector<double>& curvatures) {
+  const auto [low, high] =
+      std::minmax_element(curvatures.begin(), curvatures.end());
+  return *high - *low <= 1e-3 * std::max(std::fabs(*low), std::fabs(*high));
+}
+
+// From the neighbours at one and two places to either side.
+std::vector<double> curvature_by_neighbours(const std::vector<frame>& frames) {
   const size_t n = frames.size();
   std::vector<double> result(n, 0.0);
-  if (n < 2) return result;
   for (size_t i = 0; i < n; ++i) {
     const auto near = curvature_at(frames, i, 1);
     if (!near) continue;
@@ -107,63 +229,28 @@ std::vector<double> curvature_of_rectangles(const std::vector<frame>& frames) {
   return result;
 }
 
+}  // namespace
+
+std::vector<double> curvature_of_rectangles(const std::vector<frame>& frames) {
+  if (frames.size() < 2) return std::vector<double>(frames.size(), 0.0);
+  std::vector<double> result = curvature_by_neighbours(frames);
+  if (!all_alike(result)) {
+    std::vector<double> exact(frames.size());
+    if (curvature_of_ellipse(frames, &exact)) return exact;
+  }
+  return result;
+}
+
 std::vector<double> curvature_of_points(
     const std::vector<frame>& frames, const std::vector<double>& drawn,
-    const std::vector<double>& assumed,
     const std::vector<measured_point>& points) {
-  constexpr int kNeighbours = 3;
-  constexpr double kAgreement = 0.3;
-  constexpr int kLeastAgreeing = 4;
-  const size_t n = frames.size();
-  std::vector<double> result = assumed;
-  if (n < 3) return result;
+  std::vector<double> result(frames.size());
   std::vector<double> ratios;
-  for (size_t i = 0; i < n; ++i) {
+  for (size_t i = 0; i < frames.size(); ++i) {
+    result[i] = points[i].curvature;
     if (!points[i].found || drawn[i] == 0) continue;
-    ratios.clear();
-    // Neighbours as far apart as the rectangles are wide carry the curvature;
-    // nearer ones only noise.
-    const frame& next = frames[neighbour(i, 1, n)];
-    const double spacing =
-        std::hypot(next.x - frames[i].x, next.y - frames[i].y);
-    const double turn = std::fabs(drawn[i]) * spacing;
-    int stride = 1;
-    if (spacing > 0 && spacing < 2 * frames[i].half_width) {
-      stride =
-          static_cast<int>(std::lround(2 * frames[i].half_width / spacing));
-    }
-    if (turn > 0) {
-      stride = std::clamp(stride, 1, std::max(1, static_cast<int>(0.5 / turn)));
-    }
-    for (int before = 1; before <= kNeighbours; ++before) {
-      for (int after = 1; after <= kNeighbours; ++after) {
-        const size_t a = neighbour(i, -before * stride, n);
-        const size_t c = neighbour(i, after * stride, n);
-        if (a == i || c == i || a == c) continue;
-        if (!points[a].found || !points[c].found) continue;
-        if (before + after > 2 && (before + after) * stride * turn > 3.2) {
-          continue;
-        }
-        const double by_rectangles =
-            curvature_through(frames[i], frames[a].x, frames[a].y, frames[i].x,
-                              frames[i].y, frames[c].x, frames[c].y);
-        if (by_rectangles == 0) continue;
-        const double by_points =
-            curvature_through(frames[i], points[a].x, points[a].y, points[i].x,
-                              points[i].y, points[c].x, points[c].y);
-        ratios.push_back(by_points / by_rectangles);
-      }
-    }
-    if (ratios.empty()) continue;
-    std::sort(ratios.begin(), ratios.end());
-    const double median =
-        (ratios[(ratios.size() - 1) / 2] + ratios[ratios.size() / 2]) / 2;
-    int agreeing = 0;
-    for (const double ratio : ratios) {
-      if (std::fabs(ratio - median) < kAgreement) ++agreeing;
-    }
-    const bool usual = median > 0.5 && median < 2;
-    if (usual || agreeing >= kLeastAgreeing) result[i] = median * drawn[i];
+    collect_ratios(frames, points, i, drawn[i], &ratios);
+    if (const auto ratio = believable(&ratios)) result[i] = *ratio * drawn[i];
   }
   return result;
 }

@@ -24,14 +24,15 @@ struct measured_point {
   bool found;
   double x;
   double y;
+  double curvature;  // along which it was measured
 };
 
-// Curvature of the measured edge at each point, where at least four triples of
-// neighbours agree about it; else `assumed`. `drawn` is the curvature of the
-// rectangles; where it is 0, so is the result.
+// Curvature of the measured edge at each point, where its neighbours agree
+// about it: that of the rectangles times the ratio that the points show.
+// Elsewhere, and where the rectangles have none, what the point was measured
+// along.
 std::vector<double> curvature_of_points(
     const std::vector<frame>& frames, const std::vector<double>& drawn,
-    const std::vector<double>& assumed,
     const std::vector<measured_point>& points);
 
 }  // namespace vexolab

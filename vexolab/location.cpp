@@ -55,7 +55,7 @@ double rounding_alike(const frame& f, double half_width, double noise) {
 }
 
 template <size_t N>
-void take_out_tilt(normal_equations<N>* e) {
+void take_out_tilt(step_equations<N>* e) {
   for (size_t i = 0; i < kTilt; ++i) e->matrix[kTilt][i] = 0;
   for (size_t i = kTilt; i < N; ++i) e->matrix[i][kTilt] = 0;
   e->gradient[kTilt] = 0;
@@ -249,8 +249,11 @@ location locator::locate(const image& picture, const frame& f, const profile& p,
   const double blur = m.blur;
   move(backward<kCoreUnknowns>(e.matrix, y), bounds, &m);
   const double u = bounds.centre + m.position;
+  // A turned edge smears the profile, and the detector's peak may be anywhere
+  // on it.
+  const double farthest = std::max({1.0, 0.6 * sigma, 0.5 * std::fabs(m.tilt)});
   const bool plausible = m.step * found.amplitude > 0 &&
-                         std::fabs(u - found.u) <= std::max(1.0, 0.6 * sigma) &&
+                         std::fabs(u - found.u) <= farthest &&
                          std::fabs(u) <= f.half_length;
   if (!plausible) return result;
 
@@ -268,6 +271,8 @@ location locator::locate(const image& picture, const frame& f, const profile& p,
   result.per_curvature = sensitivity * half * half / 2;
   result.curvature = {scale * x[kCurvature] * y[kCurvature],
                       scale2 * x[kCurvature] * x[kCurvature]};
+  const auto with_curvature = backward<kCurvature + 1>(e.matrix, y);
+  result.bent = scale * with_curvature[kCurvature] * 2 / (half * half);
   result.illumination = {
       scale * (x[kRampBefore] * y[kRampBefore] + x[kRampAfter] * y[kRampAfter]),
       scale2 *

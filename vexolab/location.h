@@ -40,6 +40,7 @@ struct location {
   // / 2.
   double per_curvature = 0;
   doubt curvature;     // the edge is bent otherwise than assumed
+  double bent = 0;     // by this much more, as far as the pixels know
   doubt illumination;  // the grey beside the edge is not flat but a ramp
 };
 

@@ -38,6 +38,27 @@ double effective_half_width(double half_width, double curvature) {
   return std::min(half_width, std::sqrt(2 / std::fabs(curvature)));
 }
 
+// A bend this clear, and at least this much at the strip's border, is worth
+// measuring again with it; the rest is linear.
+constexpr double kClearlyBent = 25;
+constexpr double kBentPx = 0.15;
+constexpr int kMostBends = 3;
+// Beyond this the series for arcs do not hold.
+constexpr double kLargestTurn = 0.6;
+// Measured along another arc an edge is found again this near.
+constexpr double kSameEdgePx = 2;
+
+bool clearly_bent(const location& l, double half_width) {
+  return l.curvature.shift * l.curvature.shift >
+             kClearlyBent * l.curvature.variance &&
+         std::fabs(l.bent) * half_width * half_width / 2 > kBentPx;
+}
+
+struct measured_edge {
+  location at;
+  double curvature = 0;  // along which it was measured
+};
+
 // All that measuring one rectangle after another needs; one for each thread.
 class rectangle_measurer {
  public:
@@ -47,7 +68,7 @@ class rectangle_measurer {
   // The edges of the rectangle, valid until the next call.
   const std::vector<edge>& find(const frame& f, double curvature) {
     edges_.clear();
-    profile_.sample(picture_, f, curvature);
+    profile_.sample(picture_, narrowed(f, curvature), curvature);
     if (profile_.size() < 3) return edges_;
     derivative_.compute(profile_, kernel_);
     find_edges(profile_, derivative_, how_.sigma, how_.threshold, &edges_);
@@ -55,11 +76,51 @@ class rectangle_measurer {
     return edges_;
   }
 
-  location locate(const frame& f, const edge& e, double curvature) {
-    return locator_.locate(picture_, f, profile_, e, how_.sigma, curvature);
+  // Locates an edge of the last find(), along an arc of that curvature or, if
+  // its pixels clearly say so, of another: then the profile is sampled anew and
+  // the edges of the last find() are gone.
+  measured_edge locate(const frame& f, const edge& found, double curvature) {
+    edge e = found;
+    measured_edge result = {locate_along(f, e, curvature), curvature};
+    for (int i = 0; i < kMostBends; ++i) {
+      const double half_width = narrowed(f, result.curvature).half_width;
+      if (!result.at.fitted || !clearly_bent(result.at, half_width)) break;
+      const double limit = kLargestTurn / std::max(f.half_width, 1.0);
+      const double bent =
+          std::clamp(result.curvature + result.at.bent, -limit, limit);
+      if (!find_again(f, bent, result.at.u, &e)) break;
+      const location again = locate_along(f, e, bent);
+      if (!again.fitted) break;
+      result = {again, bent};
+    }
+    return result;
   }
 
  private:
+  static frame narrowed(frame f, double curvature) {
+    f.half_width = effective_half_width(f.half_width, curvature);
+    return f;
+  }
+
+  location locate_along(const frame& f, const edge& e, double curvature) {
+    return locator_.locate(picture_, narrowed(f, curvature), profile_, e,
+                           how_.sigma, curvature);
+  }
+
+  // The edge of the same polarity nearest to u along another arc.
+  bool find_again(const frame& f, double curvature, double u, edge* e) {
+    const bool rising = e->amplitude > 0;
+    bool found = false;
+    for (const edge& other : find(f, curvature)) {
+      if ((other.amplitude > 0) != rising) continue;
+      if (std::fabs(other.u - u) > kSameEdgePx) continue;
+      if (found && std::fabs(other.u - u) > std::fabs(e->u - u)) continue;
+      *e = other;
+      found = true;
+    }
+    return found;
+  }
+
   image picture_;
   detection how_;
   gaussian_kernel kernel_;
@@ -68,6 +129,20 @@ class rectangle_measurer {
   locator locator_;
   std::vector<edge> edges_;
 };
+
+// The place of an edge whose curvature is `c`, after all corrections.
+double corrected(const measured_edge& m, double c, double half_length) {
+  const location& l = m.at;
+  double u = l.u;
+  if (l.fitted) {
+    const double known = (c - m.curvature) * l.per_curvature;
+    const doubt rest = {l.curvature.shift - known, l.curvature.variance};
+    u += known + admitted(rest, kCurvatureCaution);
+    u += admitted(l.illumination, illumination_caution(l));
+    u -= blur_displacement(c, l.blur);
+  }
+  return std::clamp(u, -half_length, half_length);
+}
 
 bool measurable(const float* r) {
   for (int i = 0; i < 5; ++i) {
@@ -89,41 +164,31 @@ void measure_rectangles(const image& picture, const detection& how,
   }
   const std::vector<double> drawn = curvature_of_rectangles(frames);
   const auto count = frames.size();
-  std::vector<location> locations(count);
+  std::vector<measured_edge> edges(count);
   std::vector<measured_point> found(count);
-  std::vector<double> assumed(count);
   parallel_for(
       static_cast<int>(count), [&] { return rectangle_measurer(picture, how); },
       [&](rectangle_measurer& measurer, int begin, int end) {
         for (auto i = static_cast<size_t>(begin); i < static_cast<size_t>(end);
              ++i) {
-          frame f = frames[i];
-          f.half_width = effective_half_width(f.half_width, drawn[i]);
+          const frame& f = frames[i];
           const edge* e = select(measurer.find(f, drawn[i]), which);
           if (!e) continue;
-          assumed[i] = drawn[i];
-          locations[i] = measurer.locate(f, *e, assumed[i]);
-          const double u = locations[i].u;
-          found[i] = {true, f.image_x(u, 0), f.image_y(u, 0)};
+          edges[i] = measurer.locate(f, *e, drawn[i]);
+          const double u = edges[i].at.u;
+          found[i] = {true, f.image_x(u, 0), f.image_y(u, 0),
+                      edges[i].curvature};
         }
       });
   const std::vector<double> curvatures =
-      curvature_of_points(frames, drawn, assumed, found);
+      curvature_of_points(frames, drawn, found);
   std::vector<double> ys;
   for (size_t i = 0; i < count; ++i) {
     if (!found[i].found) continue;
-    const location& l = locations[i];
-    double u = l.u;
-    if (l.fitted) {
-      const double c = curvatures[i];
-      u += (c - assumed[i]) * l.per_curvature;
-      u += admitted(l.illumination, illumination_caution(l));
-      u -= blur_displacement(c, l.blur);
-    }
-    const double limit = frames[i].half_length;
-    u = std::clamp(u, -limit, limit);
-    points->push_back(frames[i].image_x(u, 0));
-    ys.push_back(frames[i].image_y(u, 0));
+    const frame& f = frames[i];
+    const double u = corrected(edges[i], curvatures[i], f.half_length);
+    points->push_back(f.image_x(u, 0));
+    ys.push_back(f.image_y(u, 0));
   }
   points->insert(points->end(), ys.begin(), ys.end());
 }
@@ -131,14 +196,12 @@ void measure_rectangles(const image& picture, const detection& how,
 void measure_all_edges(const image& picture, const detection& how,
                        const frame& f, std::vector<double>* triples) {
   rectangle_measurer measurer(picture, how);
-  for (const edge& e : measurer.find(f, 0)) {
-    const location l = measurer.locate(f, e, 0);
-    double u = l.u;
-    if (l.fitted) {
-      u += admitted(l.illumination, illumination_caution(l));
-      u += admitted(l.curvature, kCurvatureCaution);
-    }
-    u = std::clamp(u, -f.half_length, f.half_length);
+  const std::vector<edge> edges = measurer.find(f, 0);
+  for (const edge& e : edges) {
+    const measured_edge m = measurer.locate(f, e, 0);
+    // Another edge's arc is not this one's.
+    if (m.curvature != 0) measurer.find(f, 0);
+    const double u = corrected(m, m.curvature, f.half_length);
     triples->insert(triples->end(),
                     {f.image_x(u, 0), f.image_y(u, 0), e.amplitude});
   }

@@ -67,7 +67,7 @@ void fill_columns(const pixel_strip& strip, size_t from, const step_model& m,
 }  // namespace
 
 template <size_t N>
-normal_equations<N> equations_of(const pixel_strip& strip,
+step_equations<N> equations_of(const pixel_strip& strip,
                                  const step_model& m) {
   lanes products[N * (N + 1) / 2] = {};
   lanes gradient[N] = {};
@@ -93,7 +93,7 @@ normal_equations<N> equations_of(const pixel_strip& strip,
           weighted[kLow].value[l] * residual.value[l] * residual.value[l];
     }
   }
-  normal_equations<N> e;
+  step_equations<N> e;
   size_t p = 0;
   for (size_t i = 0; i < N; ++i) {
     for (size_t j = 0; j <= i; ++j, ++p) e.matrix[i][j] = sum_of(products[p]);
@@ -105,7 +105,7 @@ normal_equations<N> equations_of(const pixel_strip& strip,
 
 template <size_t N>
 void add_flat_sides(const flat_side& before, const flat_side& after,
-                    const step_model& m, normal_equations<N>* e) {
+                    const step_model& m, step_equations<N>* e) {
   const double high = m.low + m.step;
   const double residual_before = before.grey - before.n * m.low;
   const double residual_after = after.grey - after.n * high;
@@ -132,15 +132,15 @@ void add_flat_sides(const flat_side& before, const flat_side& after,
   }
 }
 
-template normal_equations<kCoreUnknowns> equations_of(const pixel_strip&,
+template step_equations<kCoreUnknowns> equations_of(const pixel_strip&,
                                                       const step_model&);
-template normal_equations<kAllUnknowns> equations_of(const pixel_strip&,
+template step_equations<kAllUnknowns> equations_of(const pixel_strip&,
                                                      const step_model&);
 template void add_flat_sides(const flat_side&, const flat_side&,
                              const step_model&,
-                             normal_equations<kCoreUnknowns>*);
+                             step_equations<kCoreUnknowns>*);
 template void add_flat_sides(const flat_side&, const flat_side&,
                              const step_model&,
-                             normal_equations<kAllUnknowns>*);
+                             step_equations<kAllUnknowns>*);
 
 }  // namespace vexolab

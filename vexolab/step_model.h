@@ -43,7 +43,7 @@ enum unknown : size_t {
 };
 
 template <size_t N>
-struct normal_equations {
+struct step_equations {
   matrix_n<N> matrix;    // lower triangle
   vector_n<N> gradient;  // columns times residuals
   double squares;        // of the residuals
@@ -51,11 +51,11 @@ struct normal_equations {
 
 // N is kCoreUnknowns or kAllUnknowns. Cost: 2.5 and 5 ns a pixel.
 template <size_t N>
-normal_equations<N> equations_of(const pixel_strip& strip, const step_model& m);
+step_equations<N> equations_of(const pixel_strip& strip, const step_model& m);
 
-extern template normal_equations<kCoreUnknowns> equations_of(
+extern template step_equations<kCoreUnknowns> equations_of(
     const pixel_strip& strip, const step_model& m);
-extern template normal_equations<kAllUnknowns> equations_of(
+extern template step_equations<kAllUnknowns> equations_of(
     const pixel_strip& strip, const step_model& m);
 
 // Pixels so far from the edge that the model is flat there enter by their sums
@@ -78,14 +78,14 @@ struct flat_side {
 
 template <size_t N>
 void add_flat_sides(const flat_side& before, const flat_side& after,
-                    const step_model& m, normal_equations<N>* e);
+                    const step_model& m, step_equations<N>* e);
 
 extern template void add_flat_sides(const flat_side&, const flat_side&,
                                     const step_model&,
-                                    normal_equations<kCoreUnknowns>*);
+                                    step_equations<kCoreUnknowns>*);
 extern template void add_flat_sides(const flat_side&, const flat_side&,
                                     const step_model&,
-                                    normal_equations<kAllUnknowns>*);
+                                    step_equations<kAllUnknowns>*);
 
 }  // namespace vexolab
 

@@ -338,18 +338,17 @@ void ellipses(report* out, random* r) {
   }
   for (const auto& c : cases) {
     statistics each[5];
-    parameters least{};
     for (int i = 0; i < 60; ++i) {
       const disc_shape e = random_ellipse(80, 45, r);
-      least = ellipse_bound(e, bound(100, 5, 0.7, 1));
+      const parameters least = ellipse_bound(e, bound(100, 5, 0.7, 1));
       const auto p =
           measure_ellipse(ellipse_image(e, 0.7, {50, 100, 5, nullptr}, r), e, e,
                           {40, c.width}, 0);
-      for (int k = 0; k < 5; ++k) each[k].add(p.value[k]);
+      for (int k = 0; k < 5; ++k) each[k].add(p.value[k] / least.value[k]);
     }
     double worst = 0;
     for (int k = 0; k < 5; ++k) {
-      worst = std::max(worst, each[k].rms() / least.value[k]);
+      worst = std::max(worst, each[k].rms());
     }
     const std::string what =
         text("ellipse in noise, width %g, worst / bound", c.width);
