@@ -180,7 +180,7 @@ bool curvature_of_ellipse(const std::vector<frame>& frames,
   }
   const point_set points = {x.data(), y.data(), static_cast<int>(n)};
   const auto fitted = make_ellipse_fit();
-  if (!fitted->fit(points, weight.data(), false)) return false;
+  if (!fitted->fit(points, weight.data(), false, kTinyStep)) return false;
   fitted->distances(points, distance.data());
   for (const double d : distance) {
     if (!(d * unit < kOnEllipsePx + 1e-6 * unit)) return false;
