@@ -32,18 +32,12 @@
 
 #ifdef NDEBUG
 #define ASSERT(condition) ((void)0)
-#define VERIFY(condition) ((void)(condition))
-#define TRACE(...) ((void)0)
 #else
 // Reports a broken precondition to the debugger and ends the program.
 void AFXAPI AfxAssertFailedLine(const char* file, int line);
-void AfxTrace(const wchar_t* format, ...);
 #define ASSERT(condition) \
   ((condition) ? (void)0 : AfxAssertFailedLine(__FILE__, __LINE__))
-#define VERIFY(condition) ASSERT(condition)
-#define TRACE(...) AfxTrace(__VA_ARGS__)
 #endif
-#define ASSERT_VALID(object) ASSERT((object) != nullptr)
 
 class CObject;
 

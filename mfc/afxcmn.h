@@ -16,7 +16,6 @@ class CListCtrl : public CWnd {
   int InsertColumn(int index, const LVCOLUMN* column);
   int InsertColumn(int index, LPCTSTR heading, int format = LVCFMT_LEFT,
                    int width = -1, int sub_item = -1);
-  BOOL GetColumn(int index, LVCOLUMN* column) const;
   BOOL DeleteColumn(int index) { return ListView_DeleteColumn(m_hWnd, index); }
   int GetColumnWidth(int index) const {
     return ListView_GetColumnWidth(m_hWnd, index);
@@ -40,9 +39,6 @@ class CSpinButtonCtrl : public CWnd {
   virtual BOOL Create(DWORD style, const RECT& rect, CWnd* parent, UINT id);
   using CWnd::Create;
 
-  void SetRange(short low, short high) {
-    ::SendMessageW(m_hWnd, UDM_SETRANGE, 0, MAKELPARAM(high, low));
-  }
   void SetRange32(int low, int high) {
     ::SendMessageW(m_hWnd, UDM_SETRANGE32, low, high);
   }
@@ -63,10 +59,6 @@ class CSpinButtonCtrl : public CWnd {
   int GetPos32(BOOL* error = nullptr) const {
     return static_cast<int>(::SendMessageW(m_hWnd, UDM_GETPOS32, 0,
                                            reinterpret_cast<LPARAM>(error)));
-  }
-  CWnd* SetBuddy(CWnd* buddy) {
-    return FromHandle(reinterpret_cast<HWND>(::SendMessageW(
-        m_hWnd, UDM_SETBUDDY, reinterpret_cast<WPARAM>(buddy->m_hWnd), 0)));
   }
   CWnd* GetBuddy() const {
     return FromHandle(

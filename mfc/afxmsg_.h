@@ -77,7 +77,6 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
           CDC::FromHandle(reinterpret_cast<HDC>(m.wParam)),               \
           CWnd::FromHandle(reinterpret_cast<HWND>(m.lParam)),             \
           m.message - WM_CTLCOLORMSGBOX)))},
-#define ON_WM_DESTROY() {WM_DESTROY, 0, 0, 0, AFX_CALL_(pThis->OnDestroy())},
 #define ON_WM_DRAWITEM()                                                  \
   {WM_DRAWITEM, 0, 0, 0, AFX_CALL_(*result = TRUE;                        \
       pThis->OnDrawItem(static_cast<int>(m.wParam),                       \
@@ -85,16 +84,8 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
 #define ON_WM_ERASEBKGND()                                                \
   {WM_ERASEBKGND, 0, 0, 0, AFX_CALL_(*result = pThis->OnEraseBkgnd(       \
       CDC::FromHandle(reinterpret_cast<HDC>(m.wParam))))},
-#define ON_WM_HSCROLL() AFX_SCROLL_(WM_HSCROLL, OnHScroll)
-#define ON_WM_VSCROLL() AFX_SCROLL_(WM_VSCROLL, OnVScroll)
-#define AFX_SCROLL_(message_id, handler)                                  \
-  {message_id, 0, 0, 0, AFX_CALL_(pThis->handler(                         \
-      LOWORD(m.wParam), HIWORD(m.wParam),                                 \
-      CWnd::FromHandle(reinterpret_cast<HWND>(m.lParam))))},
 #define ON_WM_LBUTTONDOWN() AFX_MOUSE_(WM_LBUTTONDOWN, OnLButtonDown)
-#define ON_WM_LBUTTONUP() AFX_MOUSE_(WM_LBUTTONUP, OnLButtonUp)
 #define ON_WM_RBUTTONDOWN() AFX_MOUSE_(WM_RBUTTONDOWN, OnRButtonDown)
-#define ON_WM_MOUSEMOVE() AFX_MOUSE_(WM_MOUSEMOVE, OnMouseMove)
 #define AFX_MOUSE_(message_id, handler)                                   \
   {message_id, 0, 0, 0, AFX_CALL_(pThis->handler(                         \
       static_cast<UINT>(m.wParam), CPoint(m.lParam)))},
@@ -112,10 +103,6 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
   {WM_SETCURSOR, 0, 0, 0, AFX_CALL_(*result = pThis->OnSetCursor(         \
       CWnd::FromHandle(reinterpret_cast<HWND>(m.wParam)),                 \
       static_cast<short>(LOWORD(m.lParam)), HIWORD(m.lParam)))},
-#define ON_WM_SIZE()                                                      \
-  {WM_SIZE, 0, 0, 0, AFX_CALL_(pThis->OnSize(                             \
-      static_cast<UINT>(m.wParam), static_cast<short>(LOWORD(m.lParam)),  \
-      static_cast<short>(HIWORD(m.lParam))))},
 #define ON_WM_SYSCOMMAND()                                                \
   {WM_SYSCOMMAND, 0, 0, 0, AFX_CALL_(                                     \
       pThis->OnSysCommand(static_cast<UINT>(m.wParam), m.lParam))},
@@ -143,11 +130,6 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
 #define ON_BN_CLICKED(id, member) ON_CONTROL(BN_CLICKED, id, member)
 #define ON_EN_CHANGE(id, member) ON_CONTROL(EN_CHANGE, id, member)
 #define ON_CBN_SELCHANGE(id, member) ON_CONTROL(CBN_SELCHANGE, id, member)
-#define ON_NOTIFY(code, id, member)                                       \
-  {WM_NOTIFY, static_cast<UINT>(code), static_cast<WORD>(id),             \
-   static_cast<WORD>(id), AFX_CALL_(                                      \
-       AFX_MEMBER_(member, void, NMHDR*, LRESULT*)(                       \
-           reinterpret_cast<NMHDR*>(m.lParam), result))},
 
 // Reflected: the control handles what it sends to its parent.
 #define ON_NOTIFY_REFLECT(code, member)                                   \

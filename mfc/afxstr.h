@@ -35,18 +35,14 @@ class CStringT {
   void Empty() { m_text.clear(); }
   PCXSTR GetString() const { return m_text.c_str(); }
   operator PCXSTR() const { return m_text.c_str(); }  // NOLINT
-  Char GetAt(int index) const { return m_text.at(index); }
   Char operator[](int index) const { return m_text.at(index); }
-  void SetAt(int index, Char character) { m_text.at(index) = character; }
 
   // Formats like the C runtime's wide printf: %s is text of this width.
   void Format(PCXSTR format, ...);
   void FormatV(PCXSTR format, va_list arguments);
-  void AppendFormat(PCXSTR format, ...);
   // Loads a string resource; FALSE and empty if there is none.
   BOOL LoadString(UINT id);
 
-  void Append(PCXSTR text) { m_text += text; }
   CStringT& operator+=(PCXSTR text) {
     m_text += text;
     return *this;
@@ -65,15 +61,10 @@ class CStringT {
     return CStringT(a) += b;
   }
 
-  int Compare(PCXSTR text) const { return m_text.compare(text); }
-  int CompareNoCase(PCXSTR text) const;
   friend bool operator==(const CStringT& a, const CStringT& b) {
     return a.m_text == b.m_text;
   }
   friend bool operator==(const CStringT& a, PCXSTR b) { return a.m_text == b; }
-  friend bool operator<(const CStringT& a, const CStringT& b) {
-    return a.m_text < b.m_text;
-  }
 
   // -1 if not found.
   int Find(PCXSTR text, int start = 0) const;
@@ -84,10 +75,6 @@ class CStringT {
   CStringT Right(int count) const;
   CStringT Mid(int first) const { return Mid(first, GetLength()); }
   CStringT Mid(int first, int count) const;
-  int Replace(PCXSTR from, PCXSTR to);
-  CStringT& Trim() { return TrimLeft().TrimRight(); }
-  CStringT& TrimLeft();
-  CStringT& TrimRight();
 
   // Room for `length` characters and a terminator; call ReleaseBuffer() after
   // writing, with the new length or -1 for "up to the terminator".

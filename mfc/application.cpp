@@ -13,14 +13,6 @@ void AFXAPI AfxAssertFailedLine(const char* file, int line) {
   std::abort();
 }
 
-void AfxTrace(const wchar_t* format, ...) {
-  CString text;
-  va_list arguments;
-  va_start(arguments, format);
-  text.FormatV(format, arguments);
-  va_end(arguments);
-  ::OutputDebugStringW(text);
-}
 #endif
 
 BOOL CException::GetErrorMessage(LPTSTR text, UINT size, UINT*) {
@@ -82,23 +74,6 @@ CWinApp::CWinApp(LPCTSTR name)
 }
 
 CWinApp::~CWinApp() { g_app = nullptr; }
-
-void CCommandLineInfo::ParseParam(LPCTSTR parameter, BOOL is_switch, BOOL) {
-  if (!is_switch) m_strFileName = parameter;
-}
-
-void CWinApp::ParseCommandLine(CCommandLineInfo& info) {
-  int count = 0;
-  wchar_t** arguments = ::CommandLineToArgvW(::GetCommandLineW(), &count);
-  if (arguments == nullptr) return;
-  for (int i = 1; i < count; ++i) {
-    const wchar_t* argument = arguments[i];
-    const bool is_switch = argument[0] == L'-' || argument[0] == L'/';
-    info.ParseParam(is_switch ? argument + 1 : argument, is_switch,
-                    i == count - 1);
-  }
-  ::LocalFree(arguments);
-}
 
 int CWinApp::DoMessageBox(LPCTSTR prompt, UINT type, UINT) {
   const HWND main = m_pMainWnd != nullptr ? m_pMainWnd->m_hWnd : nullptr;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "afxcmn.h"
 
-BOOL CButton::OnChildNotify(UINT message, WPARAM w, LPARAM l,
-                            LRESULT* result) {
+BOOL CButton::OnChildNotify(UINT message, WPARAM w, LPARAM l, LRESULT* result) {
   if (message != WM_DRAWITEM) {
     return CWnd::OnChildNotify(message, w, l, result);
   }
@@ -34,10 +33,6 @@ int CListCtrl::InsertColumn(int index, LPCTSTR heading, int format, int width,
   if (sub_item != -1) column.mask |= LVCF_SUBITEM;
   column.iSubItem = sub_item;
   return InsertColumn(index, &column);
-}
-
-BOOL CListCtrl::GetColumn(int index, LVCOLUMN* column) const {
-  return ListView_GetColumn(m_hWnd, index, column);
 }
 
 int CListCtrl::InsertItem(int index, LPCTSTR text) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <cstdio>
-#include <cwchar>
-#include <cwctype>
 
 #include "afx.h"
 
@@ -23,14 +21,6 @@ void FormatInto(char* text, size_t size, const char* format,
                 va_list arguments) {
   _vsnprintf(text, size, format, arguments);
 }
-
-int CompareIgnoringCase(const wchar_t* a, const wchar_t* b) {
-  return _wcsicmp(a, b);
-}
-int CompareIgnoringCase(const char* a, const char* b) { return _stricmp(a, b); }
-
-bool IsSpace(wchar_t c) { return std::iswspace(c) != 0; }
-bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::wstring ToOtherWidth(const char* text) {
   const int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
@@ -90,16 +80,6 @@ void CStringT<Char>::Format(PCXSTR format, ...) {
 }
 
 template <typename Char>
-void CStringT<Char>::AppendFormat(PCXSTR format, ...) {
-  CStringT addition;
-  va_list arguments;
-  va_start(arguments, format);
-  addition.FormatV(format, arguments);
-  va_end(arguments);
-  *this += addition;
-}
-
-template <typename Char>
 BOOL CStringT<Char>::LoadString(UINT id) {
   const std::wstring text = ResourceString(id);
   if constexpr (std::is_same_v<Char, wchar_t>) {
@@ -108,11 +88,6 @@ BOOL CStringT<Char>::LoadString(UINT id) {
     m_text = ToOtherWidth(text.c_str());
   }
   return m_text.empty() ? FALSE : TRUE;
-}
-
-template <typename Char>
-int CStringT<Char>::CompareNoCase(PCXSTR text) const {
-  return CompareIgnoringCase(GetString(), text);
 }
 
 template <typename Char>
@@ -144,32 +119,6 @@ template <typename Char>
 CStringT<Char> CStringT<Char>::Right(int count) const {
   const int taken = std::clamp(count, 0, GetLength());
   return Mid(GetLength() - taken, taken);
-}
-
-template <typename Char>
-int CStringT<Char>::Replace(PCXSTR from, PCXSTR to) {
-  const std::basic_string<Char> old_text(from), new_text(to);
-  int count = 0;
-  if (old_text.empty()) return count;
-  for (auto at = m_text.find(old_text); at != m_text.npos;
-       at = m_text.find(old_text, at + new_text.size()), ++count) {
-    m_text.replace(at, old_text.size(), new_text);
-  }
-  return count;
-}
-
-template <typename Char>
-CStringT<Char>& CStringT<Char>::TrimLeft() {
-  const auto first = std::find_if_not(m_text.begin(), m_text.end(),
-                                      [](Char c) { return IsSpace(c); });
-  m_text.erase(m_text.begin(), first);
-  return *this;
-}
-
-template <typename Char>
-CStringT<Char>& CStringT<Char>::TrimRight() {
-  while (!m_text.empty() && IsSpace(m_text.back())) m_text.pop_back();
-  return *this;
 }
 
 template <typename Char>

@@ -201,10 +201,6 @@ BOOL CWnd::ModifyStyle(DWORD remove, DWORD add, UINT position_flags) {
   return ChangeStyle(m_hWnd, GWL_STYLE, remove, add, position_flags);
 }
 
-BOOL CWnd::ModifyStyleEx(DWORD remove, DWORD add, UINT position_flags) {
-  return ChangeStyle(m_hWnd, GWL_EXSTYLE, remove, add, position_flags);
-}
-
 void CWnd::MoveWindow(LPCRECT rect, BOOL repaint) {
   MoveWindow(rect->left, rect->top, rect->right - rect->left,
              rect->bottom - rect->top, repaint);
@@ -214,22 +210,6 @@ BOOL CWnd::SetWindowPos(const CWnd* after, int x, int y, int width, int height,
                         UINT flags) {
   return ::SetWindowPos(m_hWnd, after != nullptr ? after->m_hWnd : nullptr, x,
                         y, width, height, flags);
-}
-
-void CWnd::CenterWindow(CWnd* other) {
-  RECT area{};
-  const HWND owner =
-      other != nullptr ? other->m_hWnd : ::GetWindow(m_hWnd, GW_OWNER);
-  if (owner != nullptr && ::IsWindowVisible(owner) && !::IsIconic(owner)) {
-    ::GetWindowRect(owner, &area);
-  } else {
-    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-  }
-  CRect own;
-  GetWindowRect(own);
-  SetWindowPos(nullptr, (area.left + area.right - own.Width()) / 2,
-               (area.top + area.bottom - own.Height()) / 2, 0, 0,
-               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void CWnd::ScreenToClient(LPRECT rect) const {
@@ -250,9 +230,4 @@ BOOL CWnd::GetScrollInfo(int bar, LPSCROLLINFO info, UINT mask) {
   info->cbSize = sizeof(*info);
   info->fMask = mask;
   return ::GetScrollInfo(m_hWnd, bar, info);
-}
-
-int CWnd::MessageBox(LPCTSTR text, LPCTSTR caption, UINT type) {
-  const CString title(caption != nullptr ? caption : AfxGetAppName());
-  return ::MessageBoxW(m_hWnd, text, title, type);
 }

@@ -17,14 +17,6 @@ class CWinThread : public CCmdTarget {
                                           const MSG* message);
 };
 
-// What the command line asks for: the last argument that is not a switch.
-class CCommandLineInfo : public CObject {
- public:
-  CString m_strFileName;
-
-  virtual void ParseParam(LPCTSTR parameter, BOOL is_switch, BOOL is_last);
-};
-
 // One global object per program.
 class CWinApp : public CWinThread {
  public:
@@ -39,13 +31,6 @@ class CWinApp : public CWinThread {
   HICON LoadIcon(UINT id) const {
     return ::LoadIconW(AfxGetResourceHandle(), MAKEINTRESOURCEW(id));
   }
-  HICON LoadStandardIcon(LPCTSTR name) const {
-    return ::LoadIconW(nullptr, name);
-  }
-  HCURSOR LoadStandardCursor(LPCTSTR name) const {
-    return ::LoadCursorW(nullptr, name);
-  }
-  void ParseCommandLine(CCommandLineInfo& info);
   virtual int DoMessageBox(LPCTSTR prompt, UINT type, UINT help_id);
 
  protected:

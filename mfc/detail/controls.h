@@ -16,14 +16,6 @@ class CStatic : public CWnd {
 
 class CButton : public CWnd {
  public:
-  int GetCheck() const {
-    return static_cast<int>(::SendMessageW(m_hWnd, BM_GETCHECK, 0, 0));
-  }
-  void SetCheck(int check) { ::SendMessageW(m_hWnd, BM_SETCHECK, check, 0); }
-  void SetButtonStyle(UINT style, BOOL redraw = TRUE) {
-    ::SendMessageW(m_hWnd, BM_SETSTYLE, style, redraw);
-  }
-
  protected:
   // Paints a button of style BS_OWNERDRAW.
   virtual void DrawItem(LPDRAWITEMSTRUCT) {}
@@ -37,12 +29,6 @@ class CEdit : public CWnd {
     return CWnd::Create(L"EDIT", nullptr, style, rect, parent, id);
   }
   using CWnd::Create;
-  void SetSel(int start, int end) {
-    ::SendMessageW(m_hWnd, EM_SETSEL, start, end);
-  }
-  BOOL SetReadOnly(BOOL read_only = TRUE) {
-    return ::SendMessageW(m_hWnd, EM_SETREADONLY, read_only, 0) != 0;
-  }
 };
 
 class CComboBox : public CWnd {

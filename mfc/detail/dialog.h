@@ -24,11 +24,6 @@ class CDialog : public CWnd {
   BOOL OnCmdMsg(UINT id, int code, const MSG& message,
                 LRESULT* result) override;
 
-  void GotoDlgCtrl(CWnd* control) {
-    ::SendMessageW(m_hWnd, WM_NEXTDLGCTL,
-                   reinterpret_cast<WPARAM>(control->m_hWnd), TRUE);
-  }
-
  protected:
   virtual void OnOK();
   virtual void OnCancel();

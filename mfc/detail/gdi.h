@@ -18,7 +18,6 @@ class CGdiObject : public CObject {
   BOOL Attach(HGDIOBJ handle);
   HGDIOBJ Detach();
   BOOL DeleteObject();
-  BOOL CreateStockObject(int index) { return Attach(::GetStockObject(index)); }
   int GetObject(int size, void* description) const {
     return ::GetObjectW(m_hObject, size, description);
   }
@@ -66,9 +65,6 @@ class CFont : public CGdiObject {
                                 out_precision, clip_precision, quality,
                                 pitch_and_family, face));
   }
-  int GetLogFont(LOGFONT* description) const {
-    return GetObject(sizeof(LOGFONT), description);
-  }
   static CFont* FromHandle(HFONT handle);
   operator HFONT() const { return static_cast<HFONT>(m_hObject); }  // NOLINT
 };
@@ -108,7 +104,6 @@ class CDC : public CObject {
   COLORREF SetTextColor(COLORREF color) { return ::SetTextColor(m_hDC, color); }
   COLORREF GetTextColor() const { return ::GetTextColor(m_hDC); }
   COLORREF SetBkColor(COLORREF color) { return ::SetBkColor(m_hDC, color); }
-  COLORREF GetBkColor() const { return ::GetBkColor(m_hDC); }
   int SetBkMode(int mode) { return ::SetBkMode(m_hDC, mode); }
   int GetBkMode() const { return ::GetBkMode(m_hDC); }
 
@@ -117,18 +112,11 @@ class CDC : public CObject {
     ::FillRect(m_hDC, rect, *brush);
   }
   void FillSolidRect(LPCRECT rect, COLORREF color);
-  BOOL DrawEdge(LPRECT rect, UINT edge, UINT flags) {
-    return ::DrawEdge(m_hDC, rect, edge, flags);
-  }
-  void DrawFocusRect(LPCRECT rect) { ::DrawFocusRect(m_hDC, rect); }
   BOOL DrawIcon(int x, int y, HICON icon) {
     return ::DrawIcon(m_hDC, x, y, icon);
   }
   int DrawText(const CString& text, LPRECT rect, UINT format) {
     return ::DrawTextW(m_hDC, text, text.GetLength(), rect, format);
-  }
-  BOOL TextOut(int x, int y, const CString& text) {
-    return ::TextOutW(m_hDC, x, y, text, text.GetLength());
   }
   CSize GetTextExtent(const CString& text) const;
   BOOL BitBlt(int x, int y, int width, int height, CDC* source, int source_x,
@@ -178,9 +166,6 @@ class CMenu : public CObject {
   }
   BOOL RemoveMenu(UINT position, UINT flags) {
     return ::RemoveMenu(m_hMenu, position, flags);
-  }
-  UINT EnableMenuItem(UINT id, UINT enable) {
-    return ::EnableMenuItem(m_hMenu, id, enable);
   }
   UINT GetMenuItemCount() const { return ::GetMenuItemCount(m_hMenu); }
   UINT GetMenuItemID(int position) const {

@@ -61,7 +61,6 @@ class CWnd : public CCmdTarget {
   int GetWindowText(LPTSTR text, int size) const {
     return ::GetWindowTextW(m_hWnd, text, size);
   }
-  int GetWindowTextLength() const { return ::GetWindowTextLengthW(m_hWnd); }
   void SetFont(CFont* font, BOOL redraw = TRUE);
   CFont* GetFont() const;
   HICON SetIcon(HICON icon, BOOL big);
@@ -70,7 +69,6 @@ class CWnd : public CCmdTarget {
   DWORD GetStyle() const;
   DWORD GetExStyle() const;
   BOOL ModifyStyle(DWORD remove, DWORD add, UINT position_flags = 0);
-  BOOL ModifyStyleEx(DWORD remove, DWORD add, UINT position_flags = 0);
   BOOL EnableWindow(BOOL enable = TRUE) {
     return ::EnableWindow(m_hWnd, enable);
   }
@@ -80,7 +78,6 @@ class CWnd : public CCmdTarget {
   BOOL IsIconic() const { return ::IsIconic(m_hWnd); }
   CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
   static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
-  CWnd* SetCapture() { return FromHandle(::SetCapture(m_hWnd)); }
   BOOL SetForegroundWindow() { return ::SetForegroundWindow(m_hWnd); }
   CMenu* GetSystemMenu(BOOL revert) const {
     return CMenu::FromHandle(::GetSystemMenu(m_hWnd, revert));
@@ -97,7 +94,6 @@ class CWnd : public CCmdTarget {
   static const CWnd wndBottom;
   static const CWnd wndTopMost;
   static const CWnd wndNoTopMost;
-  void CenterWindow(CWnd* other = nullptr);
   void GetClientRect(LPRECT rect) const { ::GetClientRect(m_hWnd, rect); }
   void GetWindowRect(LPRECT rect) const { ::GetWindowRect(m_hWnd, rect); }
   void ScreenToClient(LPPOINT point) const { ::ScreenToClient(m_hWnd, point); }
@@ -109,9 +105,6 @@ class CWnd : public CCmdTarget {
   void Invalidate(BOOL erase = TRUE) {
     ::InvalidateRect(m_hWnd, nullptr, erase);
   }
-  void InvalidateRect(LPCRECT rect, BOOL erase = TRUE) {
-    ::InvalidateRect(m_hWnd, rect, erase);
-  }
   void UpdateWindow() { ::UpdateWindow(m_hWnd); }
   BOOL RedrawWindow(LPCRECT rect = nullptr, HRGN region = nullptr,
                     UINT flags = RDW_INVALIDATE | RDW_UPDATENOW | RDW_ERASE) {
@@ -120,8 +113,6 @@ class CWnd : public CCmdTarget {
   void SetRedraw(BOOL redraw = TRUE) {
     ::SendMessageW(m_hWnd, WM_SETREDRAW, redraw, 0);
   }
-  CDC* GetDC() { return CDC::FromHandle(::GetDC(m_hWnd)); }
-  int ReleaseDC(CDC* dc) { return ::ReleaseDC(m_hWnd, dc->m_hDC); }
 
   // Scroll bars that belong to the window
   void ShowScrollBar(UINT bar, BOOL show = TRUE) {
@@ -129,12 +120,6 @@ class CWnd : public CCmdTarget {
   }
   BOOL SetScrollInfo(int bar, LPSCROLLINFO info, BOOL redraw = TRUE);
   BOOL GetScrollInfo(int bar, LPSCROLLINFO info, UINT mask = SIF_ALL);
-  void SetScrollRange(int bar, int low, int high, BOOL redraw = TRUE) {
-    ::SetScrollRange(m_hWnd, bar, low, high, redraw);
-  }
-  int SetScrollPos(int bar, int position, BOOL redraw = TRUE) {
-    return ::SetScrollPos(m_hWnd, bar, position, redraw);
-  }
 
   // Relatives
   CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
@@ -153,23 +138,11 @@ class CWnd : public CCmdTarget {
     ::SetDlgItemTextW(m_hWnd, id, text);
   }
   int GetDlgItemText(int id, CString& text) const;
-  void SetDlgItemInt(int id, UINT value, BOOL is_signed = TRUE) {
-    ::SetDlgItemInt(m_hWnd, id, value, is_signed);
-  }
-  UINT GetDlgItemInt(int id, BOOL* ok = nullptr, BOOL is_signed = TRUE) const {
-    return ::GetDlgItemInt(m_hWnd, id, ok, is_signed);
-  }
-  void CheckDlgButton(int id, UINT check) {
-    ::CheckDlgButton(m_hWnd, id, check);
-  }
   UINT IsDlgButtonChecked(int id) const {
     return ::IsDlgButtonChecked(m_hWnd, id);
   }
   void CheckRadioButton(int first, int last, int checked) {
     ::CheckRadioButton(m_hWnd, first, last, checked);
-  }
-  LRESULT SendDlgItemMessage(int id, UINT message, WPARAM w = 0, LPARAM l = 0) {
-    return ::SendDlgItemMessageW(m_hWnd, id, message, w, l);
   }
 
   // Messages and timers
@@ -183,7 +156,6 @@ class CWnd : public CCmdTarget {
     return ::SetTimer(m_hWnd, id, period_ms, callback);
   }
   BOOL KillTimer(UINT_PTR id) { return ::KillTimer(m_hWnd, id); }
-  int MessageBox(LPCTSTR text, LPCTSTR caption = nullptr, UINT type = MB_OK);
   BOOL AnimateWindow(DWORD duration_ms, DWORD flags) {
     return ::AnimateWindow(m_hWnd, duration_ms, flags);
   }
@@ -219,15 +191,10 @@ class CWnd : public CCmdTarget {
   afx_msg void OnClose() { Default(); }
   afx_msg int OnCreate(LPCREATESTRUCT) { return static_cast<int>(Default()); }
   afx_msg HBRUSH OnCtlColor(CDC* dc, CWnd* window, UINT type);
-  afx_msg void OnDestroy() { Default(); }
   afx_msg void OnDrawItem(int id, LPDRAWITEMSTRUCT item);
   afx_msg BOOL OnEraseBkgnd(CDC*) { return static_cast<BOOL>(Default()); }
-  afx_msg void OnHScroll(UINT, UINT, CWnd*) { Default(); }
-  afx_msg void OnVScroll(UINT, UINT, CWnd*) { Default(); }
   afx_msg void OnLButtonDown(UINT, CPoint) { Default(); }
-  afx_msg void OnLButtonUp(UINT, CPoint) { Default(); }
   afx_msg void OnRButtonDown(UINT, CPoint) { Default(); }
-  afx_msg void OnMouseMove(UINT, CPoint) { Default(); }
   afx_msg BOOL OnMouseWheel(UINT, short, CPoint) {
     return static_cast<BOOL>(Default());
   }
@@ -239,7 +206,6 @@ class CWnd : public CCmdTarget {
   afx_msg BOOL OnSetCursor(CWnd*, UINT, UINT) {
     return static_cast<BOOL>(Default());
   }
-  afx_msg void OnSize(UINT, int, int) { Default(); }
   afx_msg void OnSysCommand(UINT, LPARAM) { Default(); }
   afx_msg void OnTimer(UINT_PTR) { Default(); }
 

@@ -167,14 +167,6 @@ TEST_F(MfcClasses, ManyDialogsLeaveNoGraphicsObjects) {
   EXPECT_EQ(LiveGdiObjects(), before);
 }
 
-TEST_F(MfcClasses, CommandLineGivesTheLastArgumentThatIsNoSwitch) {
-  CCommandLineInfo info;
-  info.ParseParam(L"z:\\a.png", FALSE, FALSE);
-  info.ParseParam(L"z:\\b c.png", FALSE, FALSE);
-  info.ParseParam(L"quiet", TRUE, TRUE);
-  EXPECT_EQ(info.m_strFileName, L"z:\\b c.png");
-}
-
 // The file dialog is worked from a timer that runs in its own message loop.
 HWND FileDialogWindow() {
   for (HWND window = nullptr;
