@@ -35,8 +35,9 @@ done
 
 cd -- "$setup_root"
 mkdir -p build
-# A launcher or flags left in the caller's environment are the caller's wish;
-# CTest's own settings are not.
+# Compiler launchers and flags in the environment are the caller's wish; what
+# would change the tests is not.
+export LC_ALL=C.UTF-8
 unset CTEST_OUTPUT_ON_FAILURE CTEST_PARALLEL_LEVEL GTEST_FILTER GTEST_OUTPUT
 
 # run_preset PRESET: runs the tests and writes "passed failed" to

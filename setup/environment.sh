@@ -21,6 +21,9 @@ WINEDEBUG=-all
 WINEDLLOVERRIDES="mscoree,mshtml="
 export RENDAL_WINDOWS_PREFIX WINEPREFIX WINEARCH WINEDEBUG WINEDLLOVERRIDES
 
+# Wine takes the bytes of file names as the locale says; any UTF-8 one will do.
+[ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
+
 # The first Wine process of a prefix starts servers that inherit its output;
 # whoever reads that output to its end then waits for them. So they are started
 # here, attached to nothing. They end by themselves after a minute of idling.

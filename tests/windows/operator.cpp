@@ -384,6 +384,17 @@ std::wstring Operator::ConsoleText() const {
   return text == L"\n" ? L"" : text;
 }
 
+std::wstring Operator::ConsoleTextWith(const std::wstring& awaited) const {
+  std::wstring text;
+  WaitUntil("the console with: " + Utf8(awaited), [&] {
+    text = ConsoleText();
+    std::wstring joined = text;
+    std::erase(joined, L'\n');
+    return joined.find(awaited) != std::wstring::npos;
+  });
+  return text;
+}
+
 void Operator::ClearConsole() const {
   Press(IDC_CLEAR_CONSOLE);
   WaitUntil("an empty console", [this] { return ConsoleText().empty(); });

@@ -84,8 +84,12 @@ class Operator {
   std::vector<std::vector<std::wstring>> Rows() const;
   std::vector<std::wstring> ColumnTitles() const;
 
-  // What the diagnostic console shows, without trailing blanks.
+  // What the diagnostic console shows, without trailing blanks. It follows
+  // the program with a delay: wait for what must come.
   std::wstring ConsoleText() const;
+  // The same, once it contains `awaited` (in which line ends of the console's
+  // width do not count).
+  std::wstring ConsoleTextWith(const std::wstring& awaited) const;
   // Empties the console, as its button does.
   void ClearConsole() const;
 

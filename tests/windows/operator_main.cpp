@@ -28,7 +28,7 @@ constexpr char kUsage[] =
     "  threshold           presses \"threshold\"\n"
     "  connection          presses \"connection\"\n"
     "  rows                prints the region list\n"
-    "  console             prints the console's text\n"
+    "  console TEXT        prints the console's text once it has TEXT\n"
     "  close               ends the program\n";
 
 void Print(const std::wstring& text) { std::puts(Utf8(text).c_str()); }
@@ -118,8 +118,8 @@ bool Run(const std::vector<std::wstring>& words) {
     Connect();
   } else if (step == L"rows" && words.size() == 1) {
     PrintRows();
-  } else if (step == L"console" && words.size() == 1) {
-    Print(Operator().ConsoleText());
+  } else if (step == L"console" && words.size() == 2) {
+    Print(Operator().ConsoleTextWith(words[1]));
   } else if (step == L"close" && words.size() == 1) {
     Operator().Close();
   } else {
