@@ -44,8 +44,8 @@ std::vector<std::string> LinesOf(const fs::path& path) {
 }
 
 bool IsCode(const fs::path& path) {
-  static const std::set<std::string> kinds = {".h",  ".cpp", ".c",     ".rc",
-                                              ".sh", ".py",  ".cmake", ".in"};
+  static const std::set<std::string> kinds = {".h",  ".cpp", ".c",    ".rc",
+                                              ".sh", ".py",  ".cmake"};
   return kinds.count(path.extension().string()) ||
          path.filename() == "CMakeLists.txt";
 }
@@ -106,7 +106,7 @@ const Layers& IncludesAllowed() {
 // Headers of others, by the folders that may see them.
 const Layers& SystemHeaders() {
   static const std::set<std::string> windows = {"app/", "controls/", "mfc/",
-                                                "tests/", "bench/"};
+                                                "res/", "tests/",    "bench/"};
   static const Layers headers = {
       {"windows.h", windows},
       {"commctrl.h", windows},

@@ -193,12 +193,21 @@ std::vector<HWND> TopWindows(DWORD process_id) {
 Process::Process(const std::wstring& program,
                  const std::vector<std::wstring>& arguments) {
   std::wstring line = QuotedCommandLine(program, arguments);
+  SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+  const HANDLE nothing = ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       &inheritable, OPEN_EXISTING, 0, nullptr);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
+  // Wine's C runtime can only reopen a standard stream that was there before.
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = startup.hStdOutput = startup.hStdError = nothing;
   // Detached: the program opens a console of its own.
-  if (!::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE,
-                        DETACHED_PROCESS, nullptr, nullptr, &startup,
-                        &information_)) {
+  const BOOL started = ::CreateProcessW(
+      program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+      nullptr, nullptr, &startup, &information_);
+  ::CloseHandle(nothing);
+  if (!started) {
     throw std::runtime_error("cannot start " + Utf8(program));
   }
 }

@@ -30,8 +30,8 @@ void WaitUntil(const std::string& what, const std::function<bool()>& condition,
 // The visible top-level windows of one process.
 std::vector<HWND> TopWindows(DWORD process_id);
 
-// A process that is started with nothing on its standard streams, as by a
-// double click, and ended with this object if it has not ended itself.
+// A process that is started with the null device on its standard streams, and
+// ended with this object if it has not ended itself.
 class Process {
  public:
   Process(const std::wstring& program,
