@@ -112,7 +112,8 @@ const Layers& SystemHeaders() {
       {"commctrl.h", windows},
       {"afx", windows},
       {"opencv2/highgui", {"app/", "tests/windows/"}},
-      {"opencv2/", {"tools/", "app/", "cli/", "tests/", "bench/", "fuzz/"}},
+      {"opencv2/",
+       {"tools/", "app/", "cli/", "samples/", "tests/", "bench/", "fuzz/"}},
       {"Eigen/", {"vexolab/", "tests/vexolab/", "bench/"}},
   };
   return headers;
