@@ -15,8 +15,8 @@ namespace vexolab {
 namespace {
 
 constexpr double kLargestNumber = 1e7;
-constexpr int kMethodCut = 0;
-constexpr int kMethodFalling = 7;
+constexpr int kMethodShort = 0;
+constexpr int kMethodLong = 7;
 
 // Below this no camera measures; it keeps exact points from making every
 // rounding error an outlier.
@@ -115,7 +115,7 @@ int fit(const double* points, int n, int shape, int method, float factor,
         int iterations, int least, double* out) {
   const std::unique_ptr<shape_fit> fit = make_fit(shape);
   if (!fit || !out || n < 0 || (!points && n > 0)) return VEXOLAB_E_ARGUMENT;
-  if (method != kMethodCut && method != kMethodFalling) {
+  if (method != kMethodShort && method != kMethodLong) {
     return VEXOLAB_E_ARGUMENT;
   }
   if (!usable(factor)) return VEXOLAB_E_NUMBER;
@@ -131,7 +131,7 @@ int fit(const double* points, int n, int shape, int method, float factor,
   if (framed.coincide()) return VEXOLAB_E_DEGENERATE;
   const bool robust = factor > 0 && iterations > 0 && n > fit->freedom() + 1;
   robust_options options;
-  options.weights = method == kMethodCut ? tail::kCut : tail::kFalling;
+  options.weights = method == kMethodShort ? tail::kShort : tail::kLong;
   options.factor = factor;
   options.iterations = robust ? iterations : 0;
   options.least = least;

@@ -21,28 +21,32 @@ constexpr double kRough = 0.01;
 constexpr int kNarrowRounds = 2;
 constexpr double kSmallestFactor = 0.01;
 
-// Weight over distance for a given sigma.
+// Weight over distance for a given sigma. Neither curve has a step: on a real
+// contour, which is never quite the shape, points would jump in and out of the
+// fit from one picture to the next, and the result with them.
 class weight_curve {
  public:
-  weight_curve(const robust_options& options, double sigma) {
-    if (options.weights == tail::kCut) {
-      core_ = end_ = std::max(options.factor, 2.0) * sigma;
-    } else {
-      // The smaller, the more weight have the few points on the shape itself;
-      // alone they would not determine it.
-      const double factor = std::max(options.factor, kSmallestFactor);
-      core_ = factor * sigma;
-      end_ = std::max(1.75 * factor, factor + 1.5) * sigma;
-    }
+  weight_curve(const robust_options& options, double sigma)
+      : long_(options.weights == tail::kLong) {
+    // With hardly any core the few points on the shape itself have all the
+    // weight; alone they would not determine it.
+    const double factor =
+        std::max(options.factor, long_ ? kSmallestFactor : 2.0);
+    const double end =
+        long_ ? std::max(1.75 * factor, factor + 1.5) : factor + 1.5;
+    core_ = factor * sigma;
+    end_ = end * sigma;
   }
 
   double operator()(double distance) const {
     if (distance <= core_) return 1;
     if (distance >= end_) return 0;
-    return core_ / distance * (end_ - distance) / (end_ - core_);
+    const double falling = (end_ - distance) / (end_ - core_);
+    return long_ ? falling * core_ / distance : falling;
   }
 
  private:
+  bool long_;
   double core_, end_;
 };
 

@@ -11,13 +11,14 @@
 namespace vexolab {
 
 enum class tail {
-  kCut,      // weight 1 up to max(factor, 2) sigma, 0 beyond
-  kFalling,  // 1 up to factor sigma, then as Huber's, times a line that
-             // reaches 0 at max(1.75 factor, factor + 1.5) sigma
+  kShort,  // weight 1 up to max(factor, 2) sigma, falling to 0 over the next
+           // 1.5 sigma
+  kLong,   // 1 up to factor sigma, then as Huber's, times a line that reaches
+           // 0 at max(1.75 factor, factor + 1.5) sigma
 };
 
 struct robust_options {
-  tail weights = tail::kFalling;
+  tail weights = tail::kLong;
   double factor = 2;             // in units of sigma, > 0; raised to 0.01
   int iterations = 20;           // > 0
   int least = 5;                 // points to keep whatever the weights say

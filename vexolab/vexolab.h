@@ -183,7 +183,8 @@ VEXOLAB_API int measure_pos_d(double x, double y, double phi, double l1,
  *               VEXOLAB_ELLIPSE: result[5] = centre x, y, angle in (-90, 90],
  *                                half-axes r1 >= r2; angle is that of r1
  *   method      7: full weight up to factor * sigma, falling to 0 beyond;
- *               0: points beyond factor * sigma (at least 2) are left out.
+ *               0: a shorter tail: full weight up to factor (at least 2)
+ *               times sigma, none from 1.5 sigma further out.
  *   factor      in units of the estimated standard deviation, >= 0; 0: plain
  *               least squares.
  *   iterations  at most this many rounds of weighting; 0: plain least squares.

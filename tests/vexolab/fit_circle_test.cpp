@@ -29,7 +29,7 @@ double sum_of_squares(const points& p, const double* v) {
 }  // namespace
 
 TEST(FitCircle, ExactPointsGiveTheCircle) {
-  for (const parameters how : {kRobust, kCut, kPlain}) {
+  for (const parameters how : {kRobust, kShortTail, kPlain}) {
     for (const int n : {3, 4, 5, 6, 50}) {
       expect_circle(fit(on(kCircle, n), VEXOLAB_CIRCLE, how), 120.25, 80.5, 40,
                     1e-12);
@@ -84,7 +84,7 @@ TEST(FitCircle, ThirtyPercentOutliersOfAnyKindDoNotShow) {
   }
   for (const points& p : {scattered, covered, blob}) {
     expect_circle(fit(p, VEXOLAB_CIRCLE), 120.25, 80.5, 40, 0.02);
-    expect_circle(fit(p, VEXOLAB_CIRCLE, kCut), 120.25, 80.5, 40, 0.02);
+    expect_circle(fit(p, VEXOLAB_CIRCLE, kShortTail), 120.25, 80.5, 40, 0.02);
   }
 }
 

@@ -100,7 +100,7 @@ TEST(EllipseDistance, PointsInBlocksAreAsPointsAlone) {
 }
 
 TEST(FitEllipse, ExactPointsGiveTheEllipse) {
-  for (const parameters how : {kRobust, kCut, kPlain}) {
+  for (const parameters how : {kRobust, kShortTail, kPlain}) {
     for (const int n : {5, 6, 7, 8, 20, 100}) {
       SCOPED_TRACE(n);
       expect_ellipse(fit(on(kEllipse, n, 0.2), VEXOLAB_ELLIPSE, how), kEllipse,
@@ -184,12 +184,12 @@ TEST(FitEllipse, ThirtyPercentOutliersOfAnyKindDoNotShow) {
   }
   for (const points& p : {scattered, covered, blob}) {
     expect_ellipse(fit(p, VEXOLAB_ELLIPSE), kEllipse, 0.05);
-    expect_ellipse(fit(p, VEXOLAB_ELLIPSE, kCut), kEllipse, 0.05);
+    expect_ellipse(fit(p, VEXOLAB_ELLIPSE, kShortTail), kEllipse, 0.05);
   }
 }
 
 TEST(FitEllipse, HyperbolasGiveAnEllipseWithinLimitsOrARefusal) {
-  for (const parameters how : {kRobust, kCut, kPlain}) {
+  for (const parameters how : {kRobust, kShortTail, kPlain}) {
     points p;
     for (int i = -10; i <= 10; ++i) {
       const double t = i * 0.1;

@@ -16,7 +16,7 @@ double printed_angle(const result& r) {
 }  // namespace
 
 TEST(FitLine, ExactPointsGiveTheLine) {
-  for (const parameters how : {kRobust, kCut, kPlain}) {
+  for (const parameters how : {kRobust, kShortTail, kPlain}) {
     const result r = fit(on_segment({10, 20}, {50, 50}, 20), VEXOLAB_LINE, how);
     ASSERT_EQ(r.code, 0);
     EXPECT_NEAR(r.v[0], 0.8, 1e-14);

@@ -96,7 +96,7 @@ struct parameters {
 };
 
 constexpr parameters kRobust{};
-constexpr parameters kCut{0, 2, 20, 2};
+constexpr parameters kShortTail{0, 2, 20, 2};
 constexpr parameters kPlain{7, 0, 20, 2};
 
 constexpr double kGuard = -7.25e33;

@@ -153,7 +153,7 @@ TEST(Fit, RefusesCoincidentPoints) {
       const points p(20, point{at, -at / 3});
       expect_refused(fit(p, shape), shape, VEXOLAB_E_DEGENERATE);
       expect_refused(fit(p, shape, kPlain), shape, VEXOLAB_E_DEGENERATE);
-      expect_refused(fit(p, shape, kCut), shape, VEXOLAB_E_DEGENERATE);
+      expect_refused(fit(p, shape, kShortTail), shape, VEXOLAB_E_DEGENERATE);
     }
   }
 }
@@ -166,7 +166,7 @@ TEST(Fit, RefusesPointsOnALineForRoundShapes) {
                      << shape << " " << to.x << " " << origin);
         const points p =
             moved(on_segment({10, 20}, to, 20), origin, origin / 7);
-        for (const parameters how : {kRobust, kCut, kPlain}) {
+        for (const parameters how : {kRobust, kShortTail, kPlain}) {
           expect_refused(fit(p, shape, how), shape, VEXOLAB_E_DEGENERATE);
         }
       }
@@ -179,7 +179,7 @@ TEST(Fit, AlmostAllPointsCoincidingIsNoCrash) {
     for (int others = 1; others <= 10; ++others) {
       points p(20, point{50, 60});
       for (int i = 0; i < others; ++i) p[2 * i] = {i * 7.0, i * i + 3.0};
-      for (const parameters how : {kRobust, kCut, kPlain}) {
+      for (const parameters how : {kRobust, kShortTail, kPlain}) {
         const result r = fit(p, shape, how);
         if (r.code == 0) {
           for (int i = 0; i < kDoubles[shape]; ++i) {

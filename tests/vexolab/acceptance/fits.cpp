@@ -116,7 +116,7 @@ void exact_points(report* r, uint64_t seed) {
   }
   for (const int shape : kShapes) {
     double worst = 0;
-    for (const parameters how : {kRobust, kCut, kPlain}) {
+    for (const parameters how : {kRobust, kShortTail, kPlain}) {
       worst = std::max(worst, error_on_exact_points(shape, how, 0, seed + 1));
     }
     r->at_most("E4", text("both methods and plain, %s: px", kNames[shape]),
@@ -351,7 +351,7 @@ bool hyperbola_is_bounded() {
   for (int i = -10; i <= 10; ++i) {
     p.push_back({200 + 20 * std::cosh(0.1 * i), 100 + 30 * std::sinh(0.1 * i)});
   }
-  for (const parameters how : {kRobust, kCut, kPlain}) {
+  for (const parameters how : {kRobust, kShortTail, kPlain}) {
     const result r = fit(p, VEXOLAB_ELLIPSE, how);
     if (r.code == 0 ? r.v[3] > 1e4 || r.v[4] < 1e-4 * r.v[3]
                     : !refused(r, VEXOLAB_ELLIPSE, VEXOLAB_E_DEGENERATE)) {
