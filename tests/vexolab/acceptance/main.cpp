@@ -13,7 +13,7 @@
 
 int main(int argc, char** argv) {
   uint64_t seed = 1;
-  std::string groups = "BDEG";
+  std::string groups = "ABCDEFG";
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--seed") == 0 && i + 1 < argc) {
       seed = std::strtoull(argv[++i], nullptr, 10);
@@ -29,9 +29,12 @@ int main(int argc, char** argv) {
   const auto wanted = [&](char letter) {
     return groups.find(letter) != std::string::npos;
   };
+  if (wanted('A')) acceptance::generators(&report);
   if (wanted('B')) acceptance::edges(&report, seed);
+  if (wanted('C')) acceptance::detection(&report, seed);
   if (wanted('D')) acceptance::shapes(&report, seed);
   if (wanted('E')) acceptance::fits(&report, seed);
+  if (wanted('F')) acceptance::contract(&report, seed);
   if (wanted('G')) acceptance::speed(&report, seed);
   if (wanted('G')) acceptance::fit_speed(&report, seed);
   std::printf("%d rows, %d failed\n", report.rows(), report.failures());

@@ -62,9 +62,12 @@ class report {
 };
 
 // Each group appends its rows; the seed shifts every random choice in it.
+void generators(report* r);                // A
 void edges(report* r, uint64_t seed);      // B
+void detection(report* r, uint64_t seed);  // C
 void shapes(report* r, uint64_t seed);     // D
 void fits(report* r, uint64_t seed);       // E
+void contract(report* r, uint64_t seed);   // F
 void speed(report* r, uint64_t seed);      // G, edges
 void fit_speed(report* r, uint64_t seed);  // G, fits
 
