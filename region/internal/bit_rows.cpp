@@ -165,23 +165,40 @@ VEXO_INLINE void expand_plain(uint64_t mask, int32_t column, int32_t* out) {
   }
 }
 
-// kWordsPerBlock words at once, at any address.
+// kWordsPerBlock words at once. They lie at any address: not every compiler
+// reads through a reference to an under-aligned vector as it should, so words
+// are copied in and out.
 #if defined(__GNUC__)
 typedef uint64_t block
-    __attribute__((vector_size(8 * kWordsPerBlock), aligned(8), may_alias));
-VEXO_INLINE const block& block_at(const uint64_t* words) {
-  return *reinterpret_cast<const block*>(words);
-}
-VEXO_INLINE block& block_at(uint64_t* words) {
-  return *reinterpret_cast<block*>(words);
-}
+    __attribute__((vector_size(8 * kWordsPerBlock), aligned(8)));
 constexpr size_t kStep = kWordsPerBlock;
 #else
 using block = uint64_t;
-inline const block& block_at(const uint64_t* words) { return *words; }
-inline block& block_at(uint64_t* words) { return *words; }
 constexpr size_t kStep = 1;
 #endif
+
+VEXO_INLINE void load(const uint64_t* words, block* value) {
+  std::memcpy(value, words, sizeof *value);
+}
+VEXO_INLINE void store(const block& value, uint64_t* words) {
+  std::memcpy(words, &value, sizeof value);
+}
+
+// words moved up by `up` bits (below 64), filled from the word before.
+VEXO_INLINE void load_raised(const uint64_t* words, size_t up, block* value) {
+  block before;
+  load(words, value);
+  load(words - 1, &before);
+  // A shift by 64 is undefined; two shifts are not.
+  *value = *value << up | before >> 1 >> (63 - up);
+}
+VEXO_INLINE void load_lowered(const uint64_t* words, size_t down,
+                              block* value) {
+  block after;
+  load(words, value);
+  load(words + 1, &after);
+  *value = *value >> down | after << 1 << (63 - down);
+}
 
 struct unite {
   VEXO_INLINE static void add(const block& from, block* to) { *to |= from; }
@@ -195,18 +212,14 @@ VEXO_INLINE void spread_body(const uint64_t* from, uint64_t* to, size_t words,
                              size_t down, size_t up) {
   const uint64_t* low = from - static_cast<ptrdiff_t>(up / 64);
   const uint64_t* high = from + down / 64;
-  up %= 64;
-  down %= 64;
   for (size_t w = 0; w < words; w += kStep) {
-    block sum = block_at(from + w);
-    // A shift by 64 is undefined; two shifts are not.
-    const block raised =
-        block_at(low + w) << up | block_at(low + w - 1) >> 1 >> (63 - up);
-    const block lowered = block_at(high + w) >> down | block_at(high + w + 1)
-                                                           << 1 << (63 - down);
+    block sum, raised, lowered;
+    load(from + w, &sum);
+    load_raised(low + w, up % 64, &raised);
+    load_lowered(high + w, down % 64, &lowered);
     Combine::add(raised, &sum);
     Combine::add(lowered, &sum);
-    block_at(to + w) = sum;
+    store(sum, to + w);
   }
 }
 
@@ -215,10 +228,11 @@ VEXO_INLINE void move_body(const uint64_t* from, uint64_t* to, size_t words,
   // Whole words first, rounded down; what is left moves up.
   const ptrdiff_t whole = up >= 0 ? up / 64 : -((-up + 63) / 64);
   const uint64_t* low = from - whole;
-  up -= 64 * whole;
+  const auto rest = static_cast<size_t>(up - 64 * whole);
   for (size_t w = 0; w < words; w += kStep) {
-    block_at(to + w) =
-        block_at(low + w) << up | block_at(low + w - 1) >> 1 >> (63 - up);
+    block moved;
+    load_raised(low + w, rest, &moved);
+    store(moved, to + w);
   }
 }
 
@@ -227,8 +241,13 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                             size_t count, size_t words) {
   for (size_t t = 0; t < count; ++t) {
     uint64_t* row = into[t];
-    for (size_t w = 0; w < words; w += kStep)
-      Combine::add(block_at(from + w), &block_at(row + w));
+    for (size_t w = 0; w < words; w += kStep) {
+      block own, merged;
+      load(from + w, &own);
+      load(row + w, &merged);
+      Combine::add(own, &merged);
+      store(merged, row + w);
+    }
   }
 }
 
