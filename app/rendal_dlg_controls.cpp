@@ -92,7 +92,7 @@ void CRendalDlg::ApplyEnglishCaptions() {
 
 void CRendalDlg::SetUpStatusLabels() {
   for (CLabel* label : {&m_status, &m_readout}) {
-    label->SetFontSize(kStatusFontHeight).SetFontBold(TRUE);
+    label->SetFontSize(kStatusFontHeight).SetFontBold(true);
   }
   m_readout.SetBkColor(kBlue).SetTextColor(kWhite).SetText(L"");
 }

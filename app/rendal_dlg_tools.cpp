@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Handlers that call tools/: read controls, call, show the status.
+#include <algorithm>
+
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
@@ -45,9 +47,10 @@ rendal::GrayBand CRendalDlg::ReadGrayBand() const {
 }
 
 rendal::OperationParameters CRendalDlg::ReadOperationParameters() const {
+  const int boundary = std::max(0, m_boundaryType.GetCurSel());
   return {{m_element.GetCurSel(), m_elementWidth.GetPos32(),
            m_elementHeight.GetPos32()},
-          ui_text::kBoundaryTypes[m_boundaryType.GetCurSel()]};
+          ui_text::kBoundaryTypes[boundary]};
 }
 
 void CRendalDlg::OnThreshold() {

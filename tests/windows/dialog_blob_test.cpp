@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The blob group through the dialog: threshold, connection, the list.
+#include <algorithm>
 #include <stdexcept>
 
 #include "app/view/view_globals.h"
@@ -86,6 +87,30 @@ TEST_F(DialogBlob, ConnectionListsEveryComponent) {
             << Cell(row, column);
       }
     }
+  });
+}
+
+// Seen, not only set: the system draws the first column to the left.
+TEST_F(DialogBlob, NumbersOfTheFirstColumnAreDrawnInTheMiddle) {
+  RunWithImage(Squares({60, 60}, 4, 5, 200), [&] {
+    Click(1042);
+    Click(1043);
+    const HWND list = Control(1051);
+    ::UpdateWindow(list);
+    CRect cell;
+    ListView_GetSubItemRect(list, 1, 0, LVIR_LABEL, &cell);
+    const HDC dc = ::GetDC(list);
+    int first = cell.right, last = cell.left;
+    for (int y = cell.top + 2; y < cell.bottom - 2; ++y) {
+      for (int x = cell.left + 2; x < cell.right - 2; ++x) {
+        if (GetGValue(::GetPixel(dc, x, y)) > 100) continue;
+        first = std::min(first, x);
+        last = std::max(last, x);
+      }
+    }
+    ::ReleaseDC(list, dc);
+    ASSERT_LE(first, last);
+    EXPECT_NEAR((first + last) / 2.0, (cell.left + cell.right) / 2.0, 2);
   });
 }
 

@@ -96,6 +96,9 @@ TEST_F(DialogOperations, BoundaryTypeComesFromItsCombo) {
       Click(1069);
       top.push_back(dialog.m_regionOverlay[0].chords[0].row);
     }
+    Select(1070, -1);
+    Click(1069);
+    EXPECT_EQ(dialog.m_regionOverlay[0].chords[0].row, 1);
     EXPECT_EQ(top[0], 1);
     EXPECT_EQ(top[1], 0);
   });
