@@ -73,8 +73,8 @@ prepare_debian_sources() {
     [ -r "$file" ] || continue
     stanza_sources "$release" "$file" >>"$folder/parts/machine.sources"
   done
-  cat "$folder/parts/machine.list" "$folder/parts/machine.sources" |
-    grep -q deb-src || fail "apt has no source for release $release"
+  grep -qs deb-src "$folder/parts/machine.list" \
+    "$folder/parts/machine.sources" || fail "apt has no source for release $release"
   private_apt_folder=$folder
   logged "$folder/update.log" private_apt update
 }

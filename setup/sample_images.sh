@@ -26,7 +26,7 @@ unpack_images() {
     tar -x -C "$folder" --wildcards --no-anchored \
       '*.png' '*.jpg' '*.jpeg' '*.bmp' '*.tif' '*.tiff' '*.pgm' \
       2>>"$log" || true
-  find "$folder" -type f | grep -q . ||
+  [ -n "$(find "$folder" -type f -print -quit)" ] ||
     fail "the package $package holds no images"
   rm -rf -- "$work"
 }

@@ -162,7 +162,7 @@ build opencv "${opencv_options[@]}"
 for library in libopencv_core460.a libopencv_imgproc460.a \
   libopencv_imgcodecs460.a libopencv_highgui460.a libtbb12.a libpng.a \
   libjpeg.a libtiff.a libz.a; do
-  find "$stage" -name "$library" | grep -q . ||
+  [ -n "$(find "$stage" -name "$library" -print -quit)" ] ||
     fail "the build left no $library (log: $log)"
 done
 
