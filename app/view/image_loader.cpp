@@ -20,6 +20,10 @@ namespace rendal {
 namespace {
 
 namespace fs = std::filesystem;
+using Bytes = std::vector<unsigned char>;
+
+constexpr unsigned char kJpegEnd = 0xD9;
+constexpr unsigned char kJpegScanStart = 0xDA;
 
 std::string Utf8(const fs::path& path) {
   const std::u8string text = path.u8string();
@@ -27,10 +31,10 @@ std::string Utf8(const fs::path& path) {
 }
 
 // The bytes of a regular file; none if it cannot be read.
-std::vector<unsigned char> ReadFile(const fs::path& path) {
+Bytes ReadFile(const fs::path& path) {
   std::error_code error;
   const uintmax_t size = fs::file_size(path, error);
-  std::vector<unsigned char> bytes;
+  Bytes bytes;
   if (error || size == 0) return bytes;
   std::ifstream file(path, std::ios::binary);
   if (!file) return bytes;
@@ -41,6 +45,36 @@ std::vector<unsigned char> ReadFile(const fs::path& path) {
   return bytes;
 }
 
+// Position after the last marker FF `code`; 0 if there is none.
+size_t AfterLastMarker(const Bytes& bytes, unsigned char code) {
+  for (size_t i = bytes.size(); i >= 2; --i) {
+    if (bytes[i - 2] == 0xFF && bytes[i - 1] == code) return i;
+  }
+  return 0;
+}
+
+bool IsJpeg(const Bytes& bytes) {
+  return bytes.size() > 2 && bytes[0] == 0xFF && bytes[1] == 0xD8;
+}
+
+// A scan's data holds no other markers, so the image's own end can only follow
+// the start of its last scan; earlier ends are a thumbnail's.
+bool JpegIsCutOff(const Bytes& bytes) {
+  return AfterLastMarker(bytes, kJpegEnd) <=
+         AfterLastMarker(bytes, kJpegScanStart);
+}
+
+// The JPEG decoder leaves what it gets no data for as memory happens to be. End
+// markers, more of them than the last header segment can swallow, make it fill
+// the rest of the picture with grey or give up.
+void CloseJpeg(Bytes* bytes) {
+  constexpr size_t kLongestSegment = 65535;
+  for (size_t i = 0; i <= kLongestSegment; i += 2) {
+    bytes->push_back(0xFF);
+    bytes->push_back(kJpegEnd);
+  }
+}
+
 cv::Mat Decode(const fs::path& path) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
@@ -48,8 +82,13 @@ cv::Mat Decode(const fs::path& path) {
   if (fs::file_size(path, error) > INT_MAX && !error) {
     return cv::imread(path.string(), cv::IMREAD_UNCHANGED);
   }
-  const std::vector<unsigned char> bytes = ReadFile(path);
+  Bytes bytes = ReadFile(path);
   if (bytes.empty()) return {};
+  if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
+    ConsolePrintf("the image file is cut off\n");
+    if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};
+    CloseJpeg(&bytes);
+  }
   return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
 }
 

@@ -23,8 +23,9 @@ namespace rendal {
 //             the number, everything else stays.
 //   No image  A file that is missing, empty or not decodable gives an empty
 //             m_srcImage, the status with width 0 and height 0, and a console
-//             line that names the path. A damaged file may decode in part; what
-//             the decoder delivers is shown.
+//             line that names the path. So do damaged files, except that a
+//             JPEG that is cut off in its picture opens, grey where it has no
+//             data, and the console says so.
 //   Throws    std::bad_alloc, cv::Exception when memory runs out; the
 //             workbench and the view are as before.
 Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
