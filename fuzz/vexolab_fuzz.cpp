@@ -95,8 +95,8 @@ class Bytes {
 
   int integer() {
     const int kind = next();
-    if (kind < 200) return kind % 40 - 3;
-    if (kind < 220) return 10000 + kind % 3 - 1;
+    if (kind < 230) return kind % 40 - 3;
+    if (kind < 233) return 10000 + kind % 3 - 1;
     uint32_t value = 0;
     for (int i = 0; i < 4; ++i) {
       value = value << 8 | static_cast<uint32_t>(next());

@@ -13,7 +13,7 @@
 
 int main(int argc, char** argv) {
   uint64_t seed = 1;
-  std::string groups = "ABCDEFG";
+  std::string groups = "ABCDEFGP";
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--seed") == 0 && i + 1 < argc) {
       seed = std::strtoull(argv[++i], nullptr, 10);
@@ -33,10 +33,14 @@ int main(int argc, char** argv) {
   if (wanted('B')) acceptance::edges(&report, seed);
   if (wanted('C')) acceptance::detection(&report, seed);
   if (wanted('D')) acceptance::shapes(&report, seed);
+  if (wanted('D')) acceptance::bends(&report, seed);
   if (wanted('E')) acceptance::fits(&report, seed);
   if (wanted('F')) acceptance::contract(&report, seed);
   if (wanted('G')) acceptance::speed(&report, seed);
   if (wanted('G')) acceptance::fit_speed(&report, seed);
+#ifdef VEXOLAB_ACCEPTANCE_PEERS
+  if (wanted('P')) acceptance::peers(&report, seed);
+#endif
   std::printf("%d rows, %d failed\n", report.rows(), report.failures());
   return report.failures() == 0 ? 0 : 1;
 }

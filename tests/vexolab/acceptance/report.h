@@ -66,10 +66,12 @@ void generators(report* r);                // A
 void edges(report* r, uint64_t seed);      // B
 void detection(report* r, uint64_t seed);  // C
 void shapes(report* r, uint64_t seed);     // D
+void bends(report* r, uint64_t seed);      // D, from D17 on
 void fits(report* r, uint64_t seed);       // E
 void contract(report* r, uint64_t seed);   // F
 void speed(report* r, uint64_t seed);      // G, edges
 void fit_speed(report* r, uint64_t seed);  // G, fits
+void peers(report* r, uint64_t seed);      // P, where OpenCV is built with
 
 // printf into a string.
 template <typename... Values>
