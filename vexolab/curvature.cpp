@@ -18,6 +18,7 @@ constexpr double kRadian = 180 / std::numbers::pi;
 // through their centres says: within 3 degrees or 35 %.
 constexpr double kTurnTolerance = 3 / kRadian;
 constexpr double kTurnToleranceRatio = 0.35;
+constexpr double kRounding = 5e-7;  // of the coordinates, with a margin
 
 // Curvature of the circle through the origin of `f`, tangent to its cross
 // direction, that passes through the other centre; exact at any distance.
@@ -26,15 +27,21 @@ std::optional<double> curvature_towards(const frame& f, const frame& other) {
   const double dv = f.v_of(other.x, other.y);
   const double distance2 = du * du + dv * dv;
   if (!(distance2 > 1e-6)) return std::nullopt;
-  const double expected = 2 * std::atan2(std::fabs(du), std::fabs(dv));
-  // Of the directions (cos, -sin): how far the scan has turned, unsigned.
-  const double turn =
-      std::fabs(std::atan2(f.cos * other.sin - f.sin * other.cos,
-                           f.cos * other.cos + f.sin * other.sin));
+  // In a row, as far as single precision knows.
+  const double rounding =
+      kRounding * (std::fabs(f.x) + std::fabs(f.y) + std::sqrt(distance2));
+  const double bend = std::fabs(du) > rounding ? du : 0.0;
+  // The scan turns by twice the angle of the chord.
+  const double expected = 2 * std::atan(bend / dv);
+  const double turn = std::atan2(f.cos * other.sin - f.sin * other.cos,
+                                 f.cos * other.cos + f.sin * other.sin);
   const double tolerance =
-      std::max(kTurnTolerance, kTurnToleranceRatio * expected);
-  if (std::fabs(turn - expected) > tolerance) return std::nullopt;
-  return 2 * du / distance2;
+      std::max(kTurnTolerance, kTurnToleranceRatio * std::fabs(expected));
+  if (!(std::fabs(std::remainder(turn - expected, 2 * std::numbers::pi)) <=
+        tolerance)) {
+    return std::nullopt;
+  }
+  return 2 * bend / distance2;
 }
 
 size_t neighbour(size_t i, int offset, size_t n) {

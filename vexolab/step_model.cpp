@@ -67,8 +67,7 @@ void fill_columns(const pixel_strip& strip, size_t from, const step_model& m,
 }  // namespace
 
 template <size_t N>
-step_equations<N> equations_of(const pixel_strip& strip,
-                                 const step_model& m) {
+step_equations<N> equations_of(const pixel_strip& strip, const step_model& m) {
   lanes products[N * (N + 1) / 2] = {};
   lanes gradient[N] = {};
   lanes squares = {};
@@ -133,14 +132,12 @@ void add_flat_sides(const flat_side& before, const flat_side& after,
 }
 
 template step_equations<kCoreUnknowns> equations_of(const pixel_strip&,
-                                                      const step_model&);
+                                                    const step_model&);
 template step_equations<kAllUnknowns> equations_of(const pixel_strip&,
-                                                     const step_model&);
+                                                   const step_model&);
 template void add_flat_sides(const flat_side&, const flat_side&,
-                             const step_model&,
-                             step_equations<kCoreUnknowns>*);
+                             const step_model&, step_equations<kCoreUnknowns>*);
 template void add_flat_sides(const flat_side&, const flat_side&,
-                             const step_model&,
-                             step_equations<kAllUnknowns>*);
+                             const step_model&, step_equations<kAllUnknowns>*);
 
 }  // namespace vexolab
