@@ -10,29 +10,13 @@
 
 #include "region/internal/parallel.h"
 #include "region/internal/row_overlaps.h"
+#include "region/internal/union_find.h"
 
 namespace vexo::internal {
 namespace {
 
 // Runs below which a band is not worth a thread.
 constexpr size_t kBandRuns = 1 << 14;
-
-// A provisional label is the index of a run at which something began. parent
-// leads from every such label to a smaller one of the same component, or to
-// itself.
-int32_t root(int32_t* parent, int32_t label) {
-  while (parent[label] != label) {
-    label = parent[label] = parent[parent[label]];
-  }
-  return label;
-}
-
-void unite(int32_t* parent, int32_t a, int32_t b) {
-  if (a == b) return;
-  a = root(parent, a);
-  b = root(parent, b);
-  parent[std::max(a, b)] = std::min(a, b);
-}
 
 // The runs first..last - 1, whole rows.
 struct run_range {
@@ -42,7 +26,8 @@ struct run_range {
   size_t count() const { return last - first; }
 };
 
-// Labels one band of rows.
+// Labels one band of rows. Provisional labels count from the index of the
+// band's first run.
 class band_labeller {
  public:
   band_labeller(const run_view& runs, int32_t reach, int32_t* labels,
@@ -153,11 +138,6 @@ class band_labeller {
       unite(parent_, pairs_[i].first, pairs_[i].second);
     }
   }
-
-  struct label_pair {
-    int32_t first;
-    int32_t second;
-  };
 
   const run_view& runs_;
   int32_t reach_;

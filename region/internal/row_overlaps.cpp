@@ -2,7 +2,6 @@
 #include "region/internal/row_overlaps.h"
 
 namespace vexo::internal {
-namespace {
 
 void count_overlaps_plain(const intervals& above, const intervals& row,
                           int32_t reach, uint32_t* low, uint32_t* high) {
@@ -16,8 +15,6 @@ void count_overlaps_plain(const intervals& above, const intervals& row,
     high[i] = static_cast<uint32_t>(hi);
   }
 }
-
-}  // namespace
 
 count_overlaps_function current_count_overlaps() {
 #ifdef VEXO_X86_VECTORS

@@ -24,13 +24,15 @@ struct intervals {
 // For every interval i of `row`:
 //   low[i]   how many of `above` have end < row.begins[i] - reach
 //   high[i]  how many of `above` have begin <= row.ends[i] + reach
-// so that those that touch it are low[i]..high[i] - 1.
+// so that those that touch it are low[i]..high[i] - 1. reach is a few columns.
 using count_overlaps_function = void (*)(const intervals& above,
                                          const intervals& row, int32_t reach,
                                          uint32_t* low, uint32_t* high);
 
 count_overlaps_function current_count_overlaps();
 
+void count_overlaps_plain(const intervals& above, const intervals& row,
+                          int32_t reach, uint32_t* low, uint32_t* high);
 #ifdef VEXO_X86_VECTORS
 void count_overlaps_avx512(const intervals& above, const intervals& row,
                            int32_t reach, uint32_t* low, uint32_t* high);

@@ -11,7 +11,6 @@
 #include <immintrin.h>
 
 #include <algorithm>
-#include <limits>
 
 #define VEXO_TARGET \
   __attribute__((target("avx512f,avx512bw,avx512vl,bmi,bmi2,popcnt,lzcnt")))
@@ -19,61 +18,52 @@
 namespace vexo::internal {
 namespace {
 
-// How many of n ascending values from index `start` on are below the limit, at
-// most 16, plus start.
-VEXO_TARGET inline size_t first_not_below(const int32_t* values, size_t n,
-                                          size_t start, __m512i limit) {
-  const auto lanes = static_cast<__mmask16>(_bzhi_u32(
-      0xffff, static_cast<unsigned>(std::min<size_t>(n - start, 16))));
-  const __m512i v = _mm512_maskz_loadu_epi32(lanes, values + start);
-  const uint32_t below = _mm512_mask_cmplt_epi32_mask(lanes, v, limit);
-  return start + _tzcnt_u32(~below);
+// out[i] = how many of n ascending values are below limits[i] + offset, for
+// ascending limits. 16 values are compared at once, from where the search ended
+// four limits ago: so that it need not wait for the last ones' results.
+VEXO_TARGET void count_below(const int32_t* values, size_t n,
+                             const int32_t* limits, size_t count,
+                             int32_t offset, uint32_t* out) {
+  const __m512i offsets = _mm512_set1_epi32(offset);
+  size_t ago4 = 0, ago3 = 0, ago2 = 0, ago1 = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const __m512i limit =
+        _mm512_add_epi32(_mm512_set1_epi32(limits[i]), offsets);
+    size_t found = ago4;
+    for (;;) {
+      const auto lanes = static_cast<__mmask16>(_bzhi_u32(
+          0xffff, static_cast<uint32_t>(std::min<size_t>(n - found, 16))));
+      const __m512i v = _mm512_maskz_loadu_epi32(lanes, values + found);
+      const uint32_t below = _mm512_mask_cmplt_epi32_mask(lanes, v, limit);
+      found += _tzcnt_u32(~below);
+      if (below != 0xffff) break;
+    }
+    ago4 = ago3;
+    ago3 = ago2;
+    ago2 = ago1;
+    ago1 = found;
+    out[i] = static_cast<uint32_t>(found);
+  }
 }
 
-// Walks through ascending values for ascending limits. The search starts where
-// it ended two limits ago, so that it need not wait for the last one's result.
-class cursor {
- public:
-  VEXO_TARGET cursor(const int32_t* values, size_t n)
-      : values_(values), n_(n) {}
-
-  VEXO_TARGET size_t advance(int64_t limit) {
-    // No value is below the smallest; limits above the largest are cut to it,
-    // which only callers with a reach beyond all columns can tell.
-    const auto cut = static_cast<int32_t>(
-        std::clamp<int64_t>(limit, std::numeric_limits<int32_t>::min(),
-                            std::numeric_limits<int32_t>::max()));
-    const __m512i limits = _mm512_set1_epi32(cut);
-    size_t found = first_not_below(values_, n_, start_, limits);
-    while (found == start_ + 16) {
-      start_ = found;
-      found = first_not_below(values_, n_, start_, limits);
-    }
-    start_ = std::max(start_, last_);
-    last_ = found;
-    return found;
-  }
-
- private:
-  const int32_t* values_;
-  size_t n_;
-  size_t start_ = 0;
-  size_t last_ = 0;
-};
+// Whether limits and values can be shifted by a few columns.
+bool far_from_overflow(const intervals& row) {
+  constexpr int32_t kFar = 1 << 30;
+  return row.count == 0 ||
+         (row.begins[0] > -kFar && row.ends[row.count - 1] < kFar);
+}
 
 }  // namespace
 
 VEXO_TARGET void count_overlaps_avx512(const intervals& above,
                                        const intervals& row, int32_t reach,
                                        uint32_t* low, uint32_t* high) {
-  cursor lows(above.ends, above.count);
-  cursor highs(above.begins, above.count);
-  for (size_t i = 0; i < row.count; ++i) {
-    const int64_t begin = int64_t{row.begins[i]} - reach;
-    const int64_t end = int64_t{row.ends[i]} + reach;
-    low[i] = static_cast<uint32_t>(lows.advance(begin));
-    high[i] = static_cast<uint32_t>(highs.advance(end + 1));
+  if (!far_from_overflow(row)) {
+    count_overlaps_plain(above, row, reach, low, high);
+    return;
   }
+  count_below(above.ends, above.count, row.begins, row.count, -reach, low);
+  count_below(above.begins, above.count, row.ends, row.count, reach + 1, high);
 }
 
 }  // namespace vexo::internal

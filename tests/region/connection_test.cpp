@@ -6,11 +6,13 @@
 #include "pictures.h"
 #include "random_regions.h"
 #include "region/internal/parallel.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace {
 
 using vexo::region;
+using vexo::internal::vector_level;
 using vexo_test::chords_of;
 using vexo_test::Picture;
 using vexo_test::Run;
@@ -87,7 +89,10 @@ std::vector<Runs> oracle(Picture p, int neighbourhood) {
 
 class Connection : public testing::TestWithParam<Form> {
  protected:
-  ~Connection() override { vexo::internal::set_thread_limit(0); }
+  ~Connection() override {
+    vexo::internal::set_thread_limit(0);
+    vexo::internal::set_vector_limit(vector_level::kAvx512);
+  }
 };
 
 TEST_P(Connection, SingleRunIsOneComponent) {
@@ -136,8 +141,80 @@ TEST_P(Connection, AgreesWithFloodFill) {
     const Picture p = vexo_test::random_picture(seed, 30);
     const int neighbourhood = seed % 2;
     vexo::internal::set_thread_limit(1 + seed % 5);
+    vexo::internal::set_vector_limit(seed % 4 == 0 ? vector_level::kPlain
+                                                   : vector_level::kAvx512);
     ASSERT_EQ(components(GetParam(), p, neighbourhood),
               oracle(p, neighbourhood));
+  }
+}
+
+// As bytes, so that two results can be compared whatever made them.
+std::string bytes_of(Form form, const region& result) {
+  std::string all;
+  const auto append = [&all](const void* data, size_t bytes) {
+    if (bytes > 0) all.append(static_cast<const char*>(data), bytes);
+  };
+  for (int k = 0; k < result.child_count; ++k) {
+    const region& c = *result.children[k];
+    append(c.bbox, sizeof c.bbox);
+    append(c.reals, sizeof c.reals);
+    append(&c.area, sizeof c.area);
+    append(c.more_reals, sizeof c.more_reals);
+    if (form == Form::kRuns) {
+      append(c.rows, c.run_count * sizeof(int32_t));
+      append(c.col_begins, c.run_count * sizeof(int32_t));
+      append(c.col_ends, c.run_count * sizeof(int32_t));
+    } else {
+      append(c.chords, size_t(c.chord_count) * sizeof(vexo::chord));
+    }
+  }
+  append(result.chords, size_t(result.chord_count) * sizeof(vexo::chord));
+  return all;
+}
+
+// 4000 x 3000: noise, a comb whose teeth only meet in the last row, one spiral
+// of a line through every band.
+std::vector<unsigned char> large_image(int kind) {
+  constexpr int kWidth = 4000, kHeight = 3000;
+  std::vector<unsigned char> pixels(size_t{kWidth} * kHeight);
+  vexo_test::Random random(static_cast<uint64_t>(kind));
+  for (int r = 0; r < kHeight; ++r) {
+    for (int c = 0; c < kWidth; ++c) {
+      const int border = std::min({r, c, kHeight - 1 - r, kWidth - 1 - c});
+      const bool inside = kind == 0   ? random.chance(40)
+                          : kind == 1 ? c % 2 == 0 || r == kHeight - 1
+                                      : border % 2 == 0;
+      pixels[size_t(r) * kWidth + c] = inside ? 255 : 0;
+    }
+  }
+  return pixels;
+}
+
+TEST_P(Connection, LargeImagesAgreeForEveryThreadCountAndVectorWidth) {
+  for (int kind = 0; kind < 3; ++kind) {
+    SCOPED_TRACE(kind);
+    auto pixels = large_image(kind);
+    region input;
+    vexo::threshold_y(pixels.data(), 4000, 3000, 255, 255, &input);
+    input.to_3();
+    vexo::internal::set_thread_limit(1);
+    vexo::internal::set_vector_limit(vector_level::kPlain);
+    region plain;
+    const int n = connect(GetParam(), input, &plain, 0);
+    if (kind == 1) {
+      EXPECT_EQ(n, 1);
+    }
+    if (kind == 2) {
+      EXPECT_EQ(n, 750);
+    }
+    const std::string expected = bytes_of(GetParam(), plain);
+    for (int threads : {1, 5}) {
+      vexo::internal::set_thread_limit(threads);
+      vexo::internal::set_vector_limit(vector_level::kAvx512);
+      region result;
+      EXPECT_EQ(connect(GetParam(), input, &result, 0), n);
+      EXPECT_TRUE(bytes_of(GetParam(), result) == expected);
+    }
   }
 }
 

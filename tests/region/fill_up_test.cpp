@@ -6,11 +6,13 @@
 #include "pictures.h"
 #include "random_regions.h"
 #include "region/internal/parallel.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace {
 
 using vexo::region;
+using vexo::internal::vector_level;
 using vexo_test::Picture;
 using vexo_test::Run;
 using vexo_test::Runs;
@@ -84,7 +86,10 @@ Picture oracle(const Picture& p) {
 
 class FillUp : public testing::TestWithParam<Form> {
  protected:
-  ~FillUp() override { vexo::internal::set_thread_limit(0); }
+  ~FillUp() override {
+    vexo::internal::set_thread_limit(0);
+    vexo::internal::set_vector_limit(vector_level::kAvx512);
+  }
 };
 
 TEST_P(FillUp, SolidRectangleIsUnchanged) {
@@ -172,6 +177,8 @@ TEST_P(FillUp, AgreesWithPixelOracle) {
     SCOPED_TRACE(seed);
     const Picture p = vexo_test::random_picture(seed);
     vexo::internal::set_thread_limit(1 + seed % 5);
+    vexo::internal::set_vector_limit(seed % 4 == 0 ? vector_level::kPlain
+                                                   : vector_level::kAvx512);
     ASSERT_EQ(filled(GetParam(), p), oracle(p));
   }
 }
