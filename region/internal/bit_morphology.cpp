@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <memory>
 #include <utility>
 
+#include "region/internal/bit_lines.h"
 #include "region/internal/bit_rows.h"
 
 namespace vexo::internal {
@@ -72,30 +72,6 @@ columns columns_of(const run_view& source, const row_list& rows, size_t first,
   return c;
 }
 
-// Words for bits, aligned for whole blocks, all zero.
-class word_rows {
- public:
-  word_rows(size_t rows, size_t words)
-      : words_(words),
-        memory_(rows * words + kWordsPerBlock),
-        first_(memory_.data()) {
-    while (reinterpret_cast<uintptr_t>(first_) % (8 * kWordsPerBlock) != 0)
-      ++first_;
-    std::memset(first_, 0, rows * words * sizeof(uint64_t));
-  }
-  uint64_t* row(size_t i) { return first_ + i * words_; }
-
- private:
-  size_t words_;
-  buffer<uint64_t> memory_;
-  uint64_t* first_;
-};
-
-size_t whole_blocks(int64_t words) {
-  const auto n = static_cast<size_t>(words);
-  return (n + kWordsPerBlock - 1) / kWordsPerBlock * kWordsPerBlock;
-}
-
 // One band of the result: source rows in, result rows out, in between as many
 // result rows as the element is high.
 class bit_band {
@@ -112,19 +88,15 @@ class bit_band {
         next_(rows.find(first_row - plan.max_row())),
         end_(rows.find(last_row - plan.min_row() + 1)),
         columns_(columns_of(source, rows, next_, end_)),
-        words_(whole_blocks((columns_.max - columns_.min + plan.reach_down() +
-                             plan.reach_up() + 1) /
-                                64 +
-                            1)),
-        guard_(whole_blocks(std::max(plan.reach_down(), plan.reach_up()) / 64 +
-                            2)),
+        origin_(columns_.min - plan.reach_down()),
+        words_(words_for(origin_, columns_.max + plan.reach_up())),
         height_(static_cast<size_t>(plan.max_row() - plan.min_row() + 1)),
-        marks_(64 * words_),
-        lines_(3, words_ + 2 * guard_),
+        loader_(words_, origin_),
+        lines_(3, words_,
+               static_cast<size_t>(
+                   std::max(plan.reach_down(), plan.reach_up()) / 64 + 2)),
         results_(height_, words_),
-        states_(height_, state::closed) {
-    std::memset(marks_.data(), 0, marks_.size());
-  }
+        states_(height_, state::closed) {}
 
   void dilate() {
     if (next_ == end_) return;
@@ -175,28 +147,25 @@ class bit_band {
     oldest_ = row + plan_.min_row();
     if (++oldest_slot_ >= height_) oldest_slot_ = 0;
   }
-  uint64_t* line(int i) { return lines_.row(static_cast<size_t>(i)) + guard_; }
 
   // The source row as bits, in line 0.
   void load(size_t i) {
-    const int64_t origin = columns_.min - plan_.reach_down();
     const size_t first = rows_.first(i);
-    k_.mark_runs(source_.begins + first, source_.ends + first,
-                 rows_.last(i) - first, origin, marks_.data());
-    k_.fill_between(marks_.data(), words_, line(0));
+    loader_.load(source_.begins + first, source_.ends + first,
+                 rows_.last(i) - first, lines_.line(0));
   }
 
   template <typename Spread, typename Merge>
   void apply(int64_t row, Spread spread, Merge merge) {
-    const uint64_t* now = line(0);
-    int free_line = 1;
+    const uint64_t* now = lines_.line(0);
+    size_t free_line = 1;
     for (const bit_plan::step& s : plan_.steps()) {
-      uint64_t* next = line(free_line);
+      uint64_t* next = lines_.line(free_line);
       if (s.restart && s.up == 0) {
-        now = line(0);
+        now = lines_.line(0);
       } else {
         if (s.restart) {
-          k_.move(line(0), next, words_, s.up);
+          k_.move(lines_.line(0), next, words_, s.up);
         } else {
           spread(now, next, words_, static_cast<size_t>(s.down),
                  static_cast<size_t>(s.up));
@@ -221,9 +190,9 @@ class bit_band {
     if (states_[s] == state::closed) {
       if (eroding_) return nullptr;
       states_[s] = state::open;
-      std::memset(results_.row(s), 0, words_ * sizeof(uint64_t));
+      std::memset(results_.line(s), 0, words_ * sizeof(uint64_t));
     }
-    return results_.row(s);
+    return results_.line(s);
   }
 
   // A row of an erosion can hold something only if the element's longest run
@@ -239,7 +208,7 @@ class bit_band {
                     rows_.last(*lead) - first, plan_.longest() - 1))
       return;
     states_[slot(row)] = state::open;
-    std::memset(results_.row(slot(row)), 0xff, words_ * sizeof(uint64_t));
+    std::memset(results_.line(slot(row)), 0xff, words_ * sizeof(uint64_t));
   }
 
   bool anything_open(int64_t row) {
@@ -261,21 +230,9 @@ class bit_band {
   void finish(int64_t row) {
     if (!in_band(row) || states_[slot(row)] == state::closed) return;
     states_[slot(row)] = state::closed;
-    const uint64_t* bits = results_.row(slot(row));
-    const size_t n = out_->size();
-    const size_t most =
-        words_ <= kCountFrom ? 32 * words_ : k_.count_runs(bits, words_);
-    out_->ensure(n + most + kRunSlack);
-    const auto origin = static_cast<int32_t>(columns_.min - plan_.reach_down() +
-                                             plan_.origin());
-    const size_t written = k_.write_runs(bits, words_, origin,
-                                         out_->begins() + n, out_->ends() + n);
-    std::fill_n(out_->rows() + n, written, static_cast<int32_t>(row));
-    out_->set_size(n + written);
+    append_runs(results_.line(slot(row)), words_, origin_ + plan_.origin(),
+                static_cast<int32_t>(row), out_);
   }
-
-  // Rows of more words are counted before room is made for their runs.
-  static constexpr size_t kCountFrom = 128;
 
   const run_view& source_;
   const row_list& rows_;
@@ -286,12 +243,12 @@ class bit_band {
   size_t next_;
   const size_t end_;
   const columns columns_;
+  const int64_t origin_;  // of the source's bits
   const size_t words_;
-  const size_t guard_;
   const size_t height_;
-  buffer<unsigned char> marks_;
-  word_rows lines_;    // source row, and two to spread between
-  word_rows results_;  // a ring
+  bit_loader loader_;
+  bit_lines lines_;    // source row, and two to spread between
+  bit_lines results_;  // a ring
   std::vector<state> states_;
   std::vector<uint64_t*> into_;
   int64_t oldest_ = 0;

@@ -49,6 +49,32 @@ VEXO_INLINE size_t row_end_body(const int32_t* rows, size_t first,
   return i;
 }
 
+VEXO_INLINE bool are_apart_body(const int32_t* rows, const int32_t* begins,
+                                const int32_t* ends, size_t count) {
+  uint32_t close = 0;
+  for (size_t i = 1; i < count; ++i) {
+    // Modulo 2^32: nothing can follow a run that ends at the last column.
+    const auto behind =
+        static_cast<int32_t>(static_cast<uint32_t>(ends[i - 1]) + 1);
+    const uint32_t same_row = rows[i] == rows[i - 1];
+    const uint32_t touching = begins[i] <= behind;
+    close |= same_row & touching;
+  }
+  return close == 0;
+}
+
+VEXO_INLINE void span_body(const int32_t* begins, const int32_t* ends,
+                           size_t count, int32_t* min, int32_t* max) {
+  int32_t low = INT32_MAX;
+  int32_t high = INT32_MIN;
+  for (size_t i = 0; i < count; ++i) {
+    low = std::min(low, begins[i]);
+    high = std::max(high, ends[i]);
+  }
+  *min = std::min(*min, low);
+  *max = std::max(*max, high);
+}
+
 VEXO_INLINE bool reaches_body(const int32_t* begins, const int32_t* ends,
                               size_t count, int64_t length) {
   if (length > UINT32_MAX) return false;
@@ -203,6 +229,9 @@ VEXO_INLINE void load_lowered(const uint64_t* words, size_t down,
 struct unite {
   VEXO_INLINE static void add(const block& from, block* to) { *to |= from; }
 };
+struct subtract {
+  VEXO_INLINE static void add(const block& from, block* to) { *to &= ~from; }
+};
 struct intersect {
   VEXO_INLINE static void add(const block& from, block* to) { *to &= from; }
 };
@@ -272,6 +301,14 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                                    size_t count) {                             \
     return row_end_body(rows, first, count);                                   \
   }                                                                            \
+  attribute bool are_apart_##width(const int32_t* rows, const int32_t* begins, \
+                                   const int32_t* ends, size_t count) {        \
+    return are_apart_body(rows, begins, ends, count);                          \
+  }                                                                            \
+  attribute void span_##width(const int32_t* begins, const int32_t* ends,      \
+                              size_t count, int32_t* min, int32_t* max) {      \
+    span_body(begins, ends, count, min, max);                                  \
+  }                                                                            \
   attribute bool reaches_##width(const int32_t* begins, const int32_t* ends,   \
                                  size_t count, int64_t length) {               \
     return reaches_body(begins, ends, count, length);                          \
@@ -305,11 +342,17 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                                    size_t words) {                             \
     merge_body<intersect>(from, into, count, words);                           \
   }                                                                            \
+  attribute void merge_and_not_##width(const uint64_t* from,                   \
+                                       uint64_t* const* into, size_t count,    \
+                                       size_t words) {                         \
+    merge_body<subtract>(from, into, count, words);                            \
+  }                                                                            \
   constexpr bit_kernels kKernels_##width = {                                   \
-      dilate_strip_##width, mark_runs_##width, fill_between_##width,           \
-      row_end_##width,      reaches_##width,   count_runs_##width,             \
-      write_runs_##width,   spread_or_##width, spread_and_##width,             \
-      move_##width,         merge_or_##width,  merge_and_##width};
+      dilate_strip_##width, mark_runs_##width,  fill_between_##width,          \
+      row_end_##width,      are_apart_##width,  span_##width,                  \
+      reaches_##width,      count_runs_##width, write_runs_##width,            \
+      spread_or_##width,    spread_and_##width, move_##width,                  \
+      merge_or_##width,     merge_and_##width,  merge_and_not_##width};
 
 VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
 

@@ -37,6 +37,12 @@ struct bit_kernels {
 
   // One past the last of the entries from `first` on that equal rows[first].
   size_t (*row_end)(const int32_t* rows, size_t first, size_t count);
+  // Whether no two neighbours of one row touch or overlap.
+  bool (*are_apart)(const int32_t* rows, const int32_t* begins,
+                    const int32_t* ends, size_t count);
+  // Lowers *min to the smallest begin, raises *max to the greatest end.
+  void (*span)(const int32_t* begins, const int32_t* ends, size_t count,
+               int32_t* min, int32_t* max);
   // Whether some end - begin is at least `length`.
   bool (*reaches)(const int32_t* begins, const int32_t* ends, size_t count,
                   int64_t length);
@@ -55,11 +61,13 @@ struct bit_kernels {
                      size_t down, size_t up);
   // to = from moved up (or down, when negative).
   void (*move)(const uint64_t* from, uint64_t* to, size_t words, ptrdiff_t up);
-  // into |= from, into &= from, for several rows `into`.
+  // into |= from, into &= from, into &= ~from, for several rows `into`.
   void (*merge_or)(const uint64_t* from, uint64_t* const* into, size_t count,
                    size_t words);
   void (*merge_and)(const uint64_t* from, uint64_t* const* into, size_t count,
                     size_t words);
+  void (*merge_and_not)(const uint64_t* from, uint64_t* const* into,
+                        size_t count, size_t words);
 };
 
 // For current_vector_level().

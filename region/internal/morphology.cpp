@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <limits>
 
 #include "region/internal/bit_morphology.h"
@@ -80,23 +79,6 @@ std::vector<band> bands_of(const row_list& rows, const extent& element) {
     first = i;
   }
   return bands;
-}
-
-run_buffer joined(std::vector<run_buffer> parts) {
-  if (parts.size() == 1) return std::move(parts[0]);
-  std::vector<size_t> offsets{0};
-  for (const run_buffer& part : parts)
-    offsets.push_back(offsets.back() + part.size());
-  run_buffer all(std::max<size_t>(offsets.back(), 2000));
-  parallel_for(parts.size(), [&](size_t i) {
-    const size_t bytes = parts[i].size() * sizeof(int32_t);
-    if (bytes == 0) return;
-    std::memcpy(all.rows() + offsets[i], parts[i].rows(), bytes);
-    std::memcpy(all.begins() + offsets[i], parts[i].begins(), bytes);
-    std::memcpy(all.ends() + offsets[i], parts[i].ends(), bytes);
-  });
-  all.set_size(offsets.back());
-  return all;
 }
 
 std::atomic<morphology_form> g_form{morphology_form::cheapest};

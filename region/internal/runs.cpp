@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "region/internal/runs.h"
 
+#include <cstring>
+#include <utility>
+
+#include "region/internal/parallel.h"
+
 namespace vexo::internal {
 
 chord_buffer to_chords(const run_view& runs) {
@@ -22,6 +27,23 @@ run_buffer to_runs(const chord* chords, int32_t count) {
   }
   runs.set_size(n);
   return runs;
+}
+
+run_buffer joined(std::vector<run_buffer> parts) {
+  if (parts.size() == 1) return std::move(parts[0]);
+  std::vector<size_t> offsets{0};
+  for (const run_buffer& part : parts)
+    offsets.push_back(offsets.back() + part.size());
+  run_buffer all(std::max<size_t>(offsets.back(), 2000));
+  parallel_for(parts.size(), [&](size_t i) {
+    const size_t bytes = parts[i].size() * sizeof(int32_t);
+    if (bytes == 0) return;
+    std::memcpy(all.rows() + offsets[i], parts[i].rows(), bytes);
+    std::memcpy(all.begins() + offsets[i], parts[i].begins(), bytes);
+    std::memcpy(all.ends() + offsets[i], parts[i].ends(), bytes);
+  });
+  all.set_size(offsets.back());
+  return all;
 }
 
 }  // namespace vexo::internal

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <new>
 #include <stdexcept>
+#include <vector>
 
 #include "region/internal/memory.h"
 #include "region/internal/views.h"
@@ -37,6 +38,9 @@ inline void push_joined(int32_t row, int32_t begin, int32_t end,
 // A copy in the other form. Fourth words are 0.
 chord_buffer to_chords(const run_view& runs);
 run_buffer to_runs(const chord* chords, int32_t count);
+
+// The runs of all parts, one after the other.
+run_buffer joined(std::vector<run_buffer> parts);
 
 inline void copy_image_size(const region& source, region* result) {
   result->width = source.width;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <functional>
-
+#include "region/internal/parallel.h"
+#include "region/internal/row_scan.h"
 #include "region/operations.h"
 #include "region_cases.h"
 
@@ -239,6 +239,49 @@ TEST(SetOperations, AgreeWithThePixelOracle) {
       const Runs result = combined(p.chords, p.arrays, a.runs(), b.runs());
       ASSERT_EQ(result, p.oracle(a, b).runs());
       ASSERT_TRUE(is_canonical(result));
+    }
+  }
+}
+
+// Many rows of many runs: merged in places, combined as bits in others.
+region large_region(Random& random) {
+  Runs runs;
+  for (int row = -500; row < 700; ++row) {
+    const int most = row < 0 ? 6 : random.chance(2) ? 3 : 700;
+    for (int column = random.between(-9, 300); column < 2500;) {
+      const int end = column + random.between(0, most);
+      runs.push_back({row, column, end});
+      column = end + 2 + random.between(0, most);
+    }
+  }
+  return region_of(runs);
+}
+
+TEST(SetOperations, FormsThreadsAndVectorWidthsAgreeOnLargeRegions) {
+  using vexo::internal::vector_level;
+  for (uint64_t seed = 0; seed < 6; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    region a = large_region(random);
+    region b = large_region(random);
+    for (const Pair& p : kPairs) {
+      SCOPED_TRACE(p.name);
+      region expected;
+      p.chords(a, b, &expected);
+      for (const int threads : {1, 2, 8}) {
+        for (const vector_level level :
+             {vector_level::kPlain, vector_level::kAvx2,
+              vector_level::kAvx512}) {
+          vexo::internal::set_thread_limit(threads);
+          vexo::internal::set_vector_limit(level);
+          region result;
+          p.arrays(a, b, &result);
+          vexo::internal::set_thread_limit(0);
+          vexo::internal::set_vector_limit(vector_level::kAvx512);
+          ASSERT_TRUE(runs_of(result) == chords_of(expected))
+              << threads << " " << static_cast<int>(level);
+        }
+      }
     }
   }
 }
