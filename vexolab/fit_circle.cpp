@@ -5,7 +5,6 @@
 // Electronic Journal of Statistics 3, 2009].
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 #include "vexolab/least_squares.h"
 #include "vexolab/scatter.h"
@@ -125,16 +124,17 @@ class circle_fit : public shape_fit {
   }
 
   // |distance| < t is |f - a t^2| < t, exactly, for t below the radius.
-  int count_within(const point_set& p, const guess& g,
+  int count_within(const rough_points& p, const guess& g,
                    double tolerance) const override {
-    const double a = g[0], b = g[1], c = g[2];
-    const double d = g[3] - a * tolerance * tolerance;
-    int64_t count = 0;  // as wide as the coordinates: quicker
+    const auto [a, b, c, d0] = single<4>(g);
+    const float most = static_cast<float>(tolerance);
+    const float d = d0 - a * most * most;
+    int count = 0;
     for (int i = 0; i < p.n; ++i) {
-      const double x = p.x[i], y = p.y[i];
-      count += std::fabs(a * (x * x + y * y) + b * x + c * y + d) < tolerance;
+      const float x = p.x[i], y = p.y[i];
+      count += std::fabs(a * (x * x + y * y) + b * x + c * y + d) < most;
     }
-    return static_cast<int>(count);
+    return count;
   }
 
   void distances(const point_set& p, const guess& g,

@@ -3,7 +3,6 @@
 // Orthogonal distances by Gauss-Newton with exact feet, from the direct
 // algebraic fit.
 #include <cmath>
-#include <cstdint>
 #include <vector>
 
 #include "vexolab/conic.h"
@@ -63,18 +62,18 @@ class ellipse_fit : public shape_fit {
   }
 
   // Distances to first order: |q| / |grad q| [Sampson].
-  int count_within(const point_set& p, const guess& shape,
+  int count_within(const rough_points& p, const guess& shape,
                    double tolerance) const override {
-    const auto [a, b, c, d, e, f] = shape;
-    const double square = tolerance * tolerance;
-    int64_t count = 0;  // as wide as the coordinates: quicker
+    const auto [a, b, c, d, e, f] = single<6>(shape);
+    const float square = static_cast<float>(tolerance * tolerance);
+    int count = 0;
     for (int i = 0; i < p.n; ++i) {
-      const double x = p.x[i], y = p.y[i];
-      const double gx = 2 * a * x + b * y + d, gy = b * x + 2 * c * y + e;
-      const double q = (x * (gx + d) + y * (gy + e)) / 2 + f;
+      const float x = p.x[i], y = p.y[i];
+      const float gx = 2 * a * x + b * y + d, gy = b * x + 2 * c * y + e;
+      const float q = (x * (gx + d) + y * (gy + e)) / 2 + f;
       count += q * q < square * (gx * gx + gy * gy);
     }
-    return static_cast<int>(count);
+    return count;
   }
 
   void distances(const point_set& p, const guess& shape,

@@ -3,7 +3,6 @@
 // Total least squares: the line through the weighted centroid, along the
 // larger axis of the scatter.
 #include <cmath>
-#include <cstdint>
 
 #include "vexolab/scatter.h"
 #include "vexolab/shape_fit.h"
@@ -31,14 +30,15 @@ class line_fit : public shape_fit {
     return true;
   }
 
-  int count_within(const point_set& p, const guess& line,
+  int count_within(const rough_points& p, const guess& line,
                    double tolerance) const override {
-    const double nx = line[0], ny = line[1], offset = line[2];
-    int64_t count = 0;  // as wide as the coordinates: quicker
+    const auto [nx, ny, offset] = single<3>(line);
+    const float most = static_cast<float>(tolerance);
+    int count = 0;
     for (int i = 0; i < p.n; ++i) {
-      count += std::fabs(nx * p.x[i] + ny * p.y[i] + offset) < tolerance;
+      count += std::fabs(nx * p.x[i] + ny * p.y[i] + offset) < most;
     }
-    return static_cast<int>(count);
+    return count;
   }
 
   void distances(const point_set& p, const guess& line,

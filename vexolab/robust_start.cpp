@@ -16,7 +16,7 @@ namespace vexolab {
 namespace {
 
 // The search looks at no more points than this.
-constexpr int kMostPoints = 1000;
+constexpr int kMostPoints = 400;
 // Up to this many, all pairs of points are tried.
 constexpr int kAllPairs = 12;
 
@@ -33,6 +33,9 @@ class search {
         points_(points),
         freedom_(shape.freedom()),
         order_(points.n / 2 + (freedom_ + 1) / 2),
+        rough_x_(points.x, points.x + points.n),
+        rough_y_(points.y, points.y + points.n),
+        rough_{rough_x_.data(), rough_y_.data(), points.n},
         distance_(points.n),
         weight_(points.n) {}
 
@@ -103,7 +106,7 @@ class search {
     candidate c;
     if (!shape_.through(points_, index, &c.shape)) return;
     const bool full = static_cast<int>(found_.size()) == shape_.finalists();
-    if (full && shape_.count_within(points_, c.shape,
+    if (full && shape_.count_within(rough_, c.shape,
                                     found_.back().half_distance) < order_) {
       return;
     }
@@ -177,6 +180,8 @@ class search {
   const shape_fit& shape_;
   const point_set& points_;
   const int freedom_, order_;
+  const std::vector<float> rough_x_, rough_y_;
+  const rough_points rough_;
   std::vector<double> distance_, weight_;
   std::vector<candidate> found_;  // ascending
   random_numbers random_;

@@ -17,9 +17,25 @@ struct point_set {
   int n;
 };
 
+// The same in single precision: twice as many fit a register, and to tell near
+// points from far ones 1e-4 px will do.
+struct rough_points {
+  const float* x;
+  const float* y;
+  int n;
+};
+
 // A shape guessed from a few points, as the coefficients of its equation; what
 // they mean is each shape's own.
 using guess = std::array<double, 6>;
+
+// The first kCount of them in single precision.
+template <int kCount>
+std::array<float, kCount> single(const guess& shape) {
+  std::array<float, kCount> result;
+  for (int i = 0; i < kCount; ++i) result[i] = static_cast<float>(shape[i]);
+  return result;
+}
 
 // As a step of a geometric fit: what follows it is rounding.
 constexpr double kTinyStep = 1e-8;
@@ -39,9 +55,9 @@ class shape_fit {
   // determine none.
   virtual bool through(const point_set& points, const int* index,
                        guess* shape) const = 0;
-  // How many points are closer to the shape than `tolerance`. The start's
-  // inner loop: no square root, no branch.
-  virtual int count_within(const point_set& points, const guess& shape,
+  // How many points are closer to the shape than `tolerance`, roughly. The
+  // start's inner loop: no square root, no branch.
+  virtual int count_within(const rough_points& points, const guess& shape,
                            double tolerance) const = 0;
   // Unsigned distances, to first order far from the shape.
   virtual void distances(const point_set& points, const guess& shape,
