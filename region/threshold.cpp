@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <memory>
+#include <new>
 
 #include "region/internal/memory.h"
 #include "region/internal/parallel.h"
@@ -12,6 +14,7 @@ namespace {
 using internal::buffer;
 using internal::row_bands;
 using internal::row_scan;
+using internal::run_buffer;
 using internal::scan_input;
 
 // Pixels below which a band is not worth a thread.
@@ -39,6 +42,10 @@ scan_input band_of(const scan_input& image, const row_bands& bands,
   return part;
 }
 
+size_t bands_worth(const scan_input& image) {
+  return image.rows() * image.width / kBandPixels;
+}
+
 // Two passes: the first counts the runs of every band, so that the second
 // writes each run to its final place.
 //
@@ -46,8 +53,7 @@ scan_input band_of(const scan_input& image, const row_bands& bands,
 // the runs of the band from run i on. All that can fail comes before make_room.
 template <class MakeRoom, class Write>
 void extract(const scan_input& image, MakeRoom make_room, Write write) {
-  const size_t worth = image.rows() * image.width / kBandPixels;
-  const row_bands bands(image.last_row, worth);
+  const row_bands bands(image.last_row, bands_worth(image));
   const auto n = static_cast<size_t>(bands.count());
   buffer<size_t> offsets(n + 1);
   const row_scan& scan = internal::current_row_scan();
@@ -63,6 +69,28 @@ void extract(const scan_input& image, MakeRoom make_room, Write write) {
     write(scan, band_of(image, bands, b), scratch.data() + b * scratch_bytes,
           offsets[b]);
   });
+}
+
+// One pass over memory: counts a block of rows, makes room, and writes its runs
+// while the pixels are still in the cache.
+void extract_blocks(const scan_input& band, run_buffer* runs) {
+  constexpr size_t kBlockPixels = size_t{1} << 18;
+  const row_scan& scan = internal::current_row_scan();
+  const buffer<char> scratch(scan.scratch_bytes(band.width));
+  const size_t fitting = kBlockPixels / std::max<size_t>(band.width, 1);
+  const auto rows = static_cast<int32_t>(std::clamp<size_t>(fitting, 1, 1024));
+  scan_input block = band;
+  for (int32_t row = band.first_row; row < band.last_row; row += rows) {
+    block.first_row = row;
+    block.last_row = std::min(row + rows, band.last_row);
+    const size_t first = runs->size();
+    runs->set_size(first + scan.count(block));
+    runs->ensure(runs->size());
+    scan.to_runs(
+        block, scratch.data(),
+        {runs->rows() + first, runs->begins() + first, runs->ends() + first});
+    block.pixels += block.rows() * block.width;
+  }
 }
 
 void set_image(region* result, int width, int height) {
@@ -101,7 +129,26 @@ void threshold_y(unsigned char* image, int width, int height, int min, int max,
 
 void threshold_y3(unsigned char* image, int width, int height, int min, int max,
                   region* result) {
-  threshold_y(image, width, height, min, max, result);
+  const scan_input input = input_of(image, width, height, min, max);
+  const row_bands bands(input.last_row, bands_worth(input));
+  const auto n = static_cast<size_t>(bands.count());
+  const std::unique_ptr<run_buffer[]> pieces(new (std::nothrow) run_buffer[n]);
+  if (pieces == nullptr) internal::throw_malloc_failed();
+  internal::parallel_for(n, [&](size_t b) {
+    extract_blocks(band_of(input, bands, b), &pieces[b]);
+  });
+  buffer<size_t> offsets(n + 1);
+  offsets[0] = 0;
+  for (size_t b = 0; b < n; ++b) offsets[b + 1] = offsets[b] + pieces[b].size();
+  result->reserve(offsets[n]);
+  internal::parallel_for(n, [&](size_t b) {
+    const run_buffer& piece = pieces[b];
+    std::copy_n(piece.rows(), piece.size(), result->rows + offsets[b]);
+    std::copy_n(piece.begins(), piece.size(), result->col_begins + offsets[b]);
+    std::copy_n(piece.ends(), piece.size(), result->col_ends + offsets[b]);
+  });
+  result->run_count = offsets[n];
+  set_image(result, width, height);
 }
 
 }  // namespace vexo
