@@ -27,6 +27,13 @@ constexpr double kSignChange = 0.2;
 constexpr double kRise = 0.25;
 
 constexpr int kMaxIterations = 8;
+// The last steps' size, in blurs: the next one is its square.
+constexpr double kSettled = 0.03;
+
+// The pixels are gathered anew when the edge strays this far from across the
+// strip [px], or its blur is off by this part.
+constexpr double kMostTurned = 0.75;
+constexpr double kMostWidened = 0.4;
 
 // Grey levels are rounded to whole numbers: the noise is never below that. It
 // is no white noise: without another noise of half a grey level to shake it,
@@ -79,6 +86,167 @@ double move(const vector_n<kCoreUnknowns>& x, const strip_bounds& b,
          s;
 }
 
+// The fit of one edge to the pixels of its strip.
+class strip_fit {
+ public:
+  strip_fit(const frame& f, const profile& p, const edge_start& s,
+            double curvature, pixel_strip* strip)
+      : frame_(f),
+        profile_(p),
+        start_(s),
+        strip_(*strip),
+        square_kurtosis_(square_kurtosis(f)),
+        with_tilt_(2 * f.half_width >= kLeastWidth) {
+    bounds_ = {s.u, 0, curvature,
+               0,   0, std::max(f.half_width, kLeastWidth / 2)};
+    model_.blur = s.blur;
+  }
+
+  // False when the pixels do not make an edge of that polarity.
+  bool run(const image& picture, bool rising) {
+    if (!gather(picture)) return false;
+    start_levels();
+    if (!iterate(rising)) return false;
+    if (!misplaced()) return true;
+    bounds_.centre += model_.position;
+    bounds_.tilt = model_.tilt / bounds_.half_width;
+    model_.position = 0;
+    return gather(picture) && iterate(rising);
+  }
+
+  // The last step, with the terms that the model leaves out beside it.
+  location finish();
+
+  double step() const { return model_.step; }
+  // How far the edge strays along u within the strip.
+  double reach() const { return std::fabs(model_.tilt); }
+
+ private:
+  bool gather(const image& picture);
+  void start_levels();
+  bool iterate(bool rising);
+
+  template <size_t N>
+  step_equations<N> equations() {
+    const double s2 = model_.blur * model_.blur;
+    model_.kurtosis = square_kurtosis_ / (s2 * s2);
+    step_equations<N> e = equations_of<N>(strip_, model_);
+    pixel_squares_ = e.squares;
+    add_flat_sides(before_, after_, model_, &e);
+    if (!with_tilt_) take_out_tilt(&e);
+    factorise(&e.matrix);
+    return e;
+  }
+
+  // Whether the pixels were gathered around another place than this.
+  bool misplaced() const {
+    return std::fabs(model_.tilt) > kMostTurned ||
+           std::fabs(model_.blur - start_.blur) > kMostWidened * start_.blur;
+  }
+
+  double noise(const vector_n<kAllUnknowns>& y) const;
+
+  const frame& frame_;
+  const profile& profile_;
+  const edge_start& start_;
+  pixel_strip& strip_;
+  const double square_kurtosis_;
+  const bool with_tilt_;
+  strip_bounds bounds_{};
+  step_model model_{};
+  flat_side before_;
+  flat_side after_;
+  double pixel_squares_ = 0;
+};
+
+bool strip_fit::gather(const image& picture) {
+  const double window = kWindowBlurs * model_.blur + kWindowMargin;
+  const double first_u = profile_.u(start_.flat_begin) - 0.5;
+  const double last_u = profile_.u(start_.flat_end - 1) + 0.5;
+  bounds_.before = std::max(-window, first_u - bounds_.centre);
+  bounds_.after = std::min(window, last_u - bounds_.centre);
+  if (!(bounds_.before < 0 && bounds_.after > 0)) return false;
+  strip_.gather(picture, frame_, bounds_);
+  before_ = {};
+  after_ = {};
+  for (int k = start_.flat_begin; k < start_.flat_end; ++k) {
+    const double t = profile_.u(k) - bounds_.centre;
+    const float grey = profile_.values()[k];
+    if (t <= bounds_.before - 1) before_.add(t, grey, profile_.lines());
+    if (t >= bounds_.after + 1) after_.add(t, grey, profile_.lines());
+  }
+  return strip_.size() >= 2 * kCoreUnknowns;
+}
+
+void strip_fit::start_levels() {
+  const float* values = profile_.values();
+  const double high =
+      after_.n > 0 ? after_.grey / after_.n : values[start_.flat_end - 1];
+  model_.low =
+      before_.n > 0 ? before_.grey / before_.n : values[start_.flat_begin];
+  model_.step = high - model_.low;
+}
+
+bool strip_fit::iterate(bool rising) {
+  const auto wrong = [&] {
+    return rising ? !(model_.step > 0) : !(model_.step < 0);
+  };
+  if (wrong()) return false;
+  for (int i = 0; i < kMaxIterations; ++i) {
+    const auto e = equations<kCoreUnknowns>();
+    const auto y = forward(e.matrix, e.gradient);
+    const double moved =
+        move(backward<kCoreUnknowns>(e.matrix, y), bounds_, &model_);
+    if (wrong()) return false;
+    if (moved < kSettled) break;
+  }
+  return true;
+}
+
+// Variance of a pixel, from what the full model leaves.
+double strip_fit::noise(const vector_n<kAllUnknowns>& y) const {
+  double remaining = pixel_squares_;
+  for (const double value : y) remaining -= value * value;
+  const double freedom =
+      static_cast<double>(strip_.size()) - static_cast<double>(kAllUnknowns);
+  const double white =
+      std::max(remaining / std::max(freedom, 1.0), kRoundingVariance);
+  return white + rounding_alike(frame_, bounds_.half_width, white);
+}
+
+location strip_fit::finish() {
+  const auto e = equations<kAllUnknowns>();
+  const auto y = forward(e.matrix, e.gradient);
+  // The position's row of the inverse: entry i of x times entry i of y is what
+  // unknown i adds to the position when it is let in, and the square of x its
+  // variance. The unknowns come in nested order, the core first.
+  vector_n<kAllUnknowns> unit{};
+  unit[kPosition] = 1;
+  const auto x = forward(e.matrix, unit);
+  const double scale = -model_.blur / model_.step;
+  const double variance = scale * scale * noise(y);
+  const double half = bounds_.half_width;
+
+  location l;
+  l.fitted = true;
+  l.blur = model_.blur;
+  for (size_t i = 0; i < kCoreUnknowns; ++i) {
+    l.variance += variance * x[i] * x[i];
+    l.per_curvature -= x[i] * e.matrix[kCurvature][i] * half * half / 2;
+  }
+  for (size_t i = kCurvature; i < kAllUnknowns; ++i) {
+    doubt& d = i == kCurvature ? l.curvature : l.illumination;
+    d.shift += scale * x[i] * y[i];
+    d.variance += variance * x[i] * x[i];
+  }
+  l.bent = scale * backward<kCurvature + 1>(e.matrix, y)[kCurvature] * 2 /
+           (half * half);
+  move(backward<kCoreUnknowns>(e.matrix, y), bounds_, &model_);
+  l.u = bounds_.centre + model_.position;
+  l.tilt = model_.tilt / half;
+  return l;
+}
+
 }  // namespace
 
 double admitted(const doubt& d, double caution) {
@@ -111,7 +279,7 @@ double locator::width_of_peak(int index) const {
 }
 
 bool locator::find_start(const profile& p, const edge& found, double sigma,
-                         start* s) const {
+                         edge_start* s) const {
   const float sign = found.amplitude > 0 ? 1.0f : -1.0f;
   const double reach = std::max(1.0, 0.6 * sigma) + 0.5;
   const int first =
@@ -140,7 +308,7 @@ bool locator::find_start(const profile& p, const edge& found, double sigma,
   return true;
 }
 
-void locator::find_flats(const profile& p, start* s) const {
+void locator::find_flats(const profile& p, edge_start* s) const {
   const float height = fine_[s->index];
   const int reach = static_cast<int>(
       std::max(kFlatReach, kFlatReachBlurs * s->blur + kFlatReachMargin));
@@ -166,118 +334,20 @@ void locator::find_flats(const profile& p, start* s) const {
 
 location locator::locate(const image& picture, const frame& f, const profile& p,
                          const edge& found, double sigma, double curvature) {
-  location result;
-  result.u = found.u;
-  start s;
-  if (!find_start(p, found, sigma, &s)) return result;
-
-  const bool with_tilt = 2 * f.half_width >= kLeastWidth;
-  strip_bounds bounds = {s.u, 0, curvature,
-                         0,   0, std::max(f.half_width, kLeastWidth / 2)};
-  const double first_u = p.u(s.flat_begin);
-  const double last_u = p.u(s.flat_end - 1);
-  step_model m = {0, 0, 0, 0, s.blur, 0};
-  const double kurtosis = square_kurtosis(f);
-  flat_side before;
-  flat_side after;
-
-  for (int round = 0; round < 2; ++round) {
-    const double window = kWindowBlurs * m.blur + kWindowMargin;
-    bounds.before = std::max(-window, first_u - 0.5 - bounds.centre);
-    bounds.after = std::min(window, last_u + 0.5 - bounds.centre);
-    if (!(bounds.before < 0 && bounds.after > 0)) return result;
-    strip_.gather(picture, f, bounds);
-    if (strip_.size() < 2 * kCoreUnknowns) return result;
-
-    before = {};
-    after = {};
-    for (int k = s.flat_begin; k < s.flat_end; ++k) {
-      const double t = p.u(k) - bounds.centre;
-      if (t <= bounds.before - 1) before.add(t, p.values()[k], p.lines());
-      if (t >= bounds.after + 1) after.add(t, p.values()[k], p.lines());
-    }
-    if (round == 0) {
-      const double low =
-          before.n > 0 ? before.grey / before.n : p.values()[s.flat_begin];
-      const double high =
-          after.n > 0 ? after.grey / after.n : p.values()[s.flat_end - 1];
-      m.low = low;
-      m.step = high - low;
-    }
-    const double start_blur = m.blur;
-    if (!(m.step * found.amplitude > 0)) return result;
-    for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
-      m.kurtosis = kurtosis / (m.blur * m.blur * m.blur * m.blur);
-      auto e = equations_of<kCoreUnknowns>(strip_, m);
-      add_flat_sides(before, after, m, &e);
-      if (!with_tilt) take_out_tilt(&e);
-      factorise(&e.matrix);
-      const auto y = forward(e.matrix, e.gradient);
-      const double moved =
-          move(backward<kCoreUnknowns>(e.matrix, y), bounds, &m);
-      if (!(m.step * found.amplitude > 0)) return result;
-      if (moved < 0.03) break;
-    }
-    const bool turned = std::fabs(m.tilt) > 0.75;
-    const bool widened = std::fabs(m.blur - start_blur) > 0.4 * start_blur;
-    if (round > 0 || !(turned || widened)) break;
-    bounds.centre += m.position;
-    bounds.tilt = m.tilt / bounds.half_width;
-    m.position = 0;
-  }
-
-  m.kurtosis = kurtosis / (m.blur * m.blur * m.blur * m.blur);
-  auto e = equations_of<kAllUnknowns>(strip_, m);
-  const double squares = e.squares;
-  add_flat_sides(before, after, m, &e);
-  if (!with_tilt) take_out_tilt(&e);
-  factorise(&e.matrix);
-  const auto y = forward(e.matrix, e.gradient);
-  vector_n<kAllUnknowns> unit{};
-  unit[kPosition] = 1;
-  const auto x = forward(e.matrix, unit);
-
-  double remaining = squares;
-  for (const double value : y) remaining -= value * value;
-  const double freedom =
-      std::max(1.0, static_cast<double>(strip_.size()) - 8.0);
-  const double noise = std::max(remaining / freedom, kRoundingVariance);
-  const double scale = -m.blur / m.step;
-  const double scale2 =
-      scale * scale * (noise + rounding_alike(f, bounds.half_width, noise));
-
-  const double blur = m.blur;
-  move(backward<kCoreUnknowns>(e.matrix, y), bounds, &m);
-  const double u = bounds.centre + m.position;
+  location detected;
+  detected.u = found.u;
+  edge_start s;
+  if (!find_start(p, found, sigma, &s)) return detected;
+  strip_fit fit(f, p, s, curvature, &strip_);
+  if (!fit.run(picture, found.amplitude > 0)) return detected;
+  const location l = fit.finish();
   // A turned edge smears the profile, and the detector's peak may be anywhere
   // on it.
-  const double farthest = std::max({1.0, 0.6 * sigma, 0.5 * std::fabs(m.tilt)});
-  const bool plausible = m.step * found.amplitude > 0 &&
-                         std::fabs(u - found.u) <= farthest &&
-                         std::fabs(u) <= f.half_length;
-  if (!plausible) return result;
-
-  result.fitted = true;
-  result.u = u;
-  result.tilt = m.tilt / bounds.half_width;
-  result.blur = blur;
-  for (size_t i = 0; i < kCoreUnknowns; ++i) result.variance += x[i] * x[i];
-  result.variance *= scale2;
-  const double half = bounds.half_width;
-  double sensitivity = 0;
-  for (size_t i = 0; i < kCoreUnknowns; ++i) {
-    sensitivity -= x[i] * e.matrix[kCurvature][i];
-  }
-  result.per_curvature = sensitivity * half * half / 2;
-  result.curvature = {scale * x[kCurvature] * y[kCurvature],
-                      scale2 * x[kCurvature] * x[kCurvature]};
-  const auto with_curvature = backward<kCurvature + 1>(e.matrix, y);
-  result.bent = scale * with_curvature[kCurvature] * 2 / (half * half);
-  result.illumination = {
-      scale * (x[kRampBefore] * y[kRampBefore] + x[kRampAfter] * y[kRampAfter]),
-      scale2 *
-          (x[kRampBefore] * x[kRampBefore] + x[kRampAfter] * x[kRampAfter])};
-  return result;
+  const double farthest = std::max({1.0, 0.6 * sigma, 0.5 * fit.reach()});
+  const bool plausible = fit.step() * found.amplitude > 0 &&
+                         std::fabs(l.u - found.u) <= farthest &&
+                         std::fabs(l.u) <= f.half_length;
+  return plausible ? l : detected;
 }
 
 }  // namespace vexolab

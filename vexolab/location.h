@@ -44,6 +44,15 @@ struct location {
   doubt illumination;  // the grey beside the edge is not flat but a ramp
 };
 
+// Where the fit of an edge starts from, by the profile's derivative.
+struct edge_start {
+  int index;  // of the derivative's peak
+  double u;
+  double blur;
+  int flat_begin;  // profile positions that belong to this edge alone
+  int flat_end;
+};
+
 // Finds the exact place of edges; keeps its buffers from one to the next.
 class locator {
  public:
@@ -57,18 +66,10 @@ class locator {
   void prepare(const profile& p) { fine_.compute(p, kernel_); }
 
  private:
-  struct start {
-    int index;  // of the derivative's peak
-    double u;
-    double blur;
-    int flat_begin;  // profile positions that belong to this edge alone
-    int flat_end;
-  };
-
   bool find_start(const profile& p, const edge& found, double sigma,
-                  start* s) const;
+                  edge_start* s) const;
   double width_of_peak(int index) const;
-  void find_flats(const profile& p, start* s) const;
+  void find_flats(const profile& p, edge_start* s) const;
 
   gaussian_kernel kernel_{1.0};
   derivative fine_;
