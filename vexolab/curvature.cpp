@@ -160,50 +160,80 @@ std::optional<double> believable(std::vector<double>* ratios) {
   return std::nullopt;
 }
 
+// The centres of rectangles, in units of half their spread.
+struct centre_points {
+  double x0, y0, unit;
+  std::vector<double> x, y;
+  std::vector<double> weight;
+
+  explicit centre_points(const std::vector<frame>& frames)
+      : weight(frames.size(), 1.0) {
+    double left = frames[0].x, right = left;
+    double top = frames[0].y, bottom = top;
+    for (const frame& f : frames) {
+      left = std::min(left, f.x);
+      right = std::max(right, f.x);
+      top = std::min(top, f.y);
+      bottom = std::max(bottom, f.y);
+    }
+    x0 = (left + right) / 2;
+    y0 = (top + bottom) / 2;
+    unit = std::max(right - left, bottom - top) / 2;
+    for (const frame& f : frames) {
+      x.push_back((f.x - x0) / unit);
+      y.push_back((f.y - y0) / unit);
+    }
+  }
+
+  point_set set() const {
+    return {x.data(), y.data(), static_cast<int>(x.size())};
+  }
+};
+
+// The ellipse on which all centres stand: centre, angle, half-axes.
+bool ellipse_of(const std::vector<frame>& frames, double* ellipse) {
+  constexpr double kOnEllipsePx = 1e-3;
+  if (frames.size() < 6) return false;
+  const centre_points p(frames);
+  if (!(p.unit > 0 && p.unit < 1e7)) return false;
+  const double tolerance = kOnEllipsePx / p.unit + 1e-6;
+  std::vector<double> distance(frames.size());
+  const auto all_on_it = [&] {
+    return std::all_of(distance.begin(), distance.end(),
+                       [&](double d) { return d < tolerance; });
+  };
+  const auto shape = make_ellipse_fit();
+  // The algebraic fit costs a hundredth of the geometric one and already says
+  // whether there is an ellipse at all.
+  guess start;
+  if (!shape->refit(p.set(), p.weight.data(), &start)) return false;
+  shape->distances(p.set(), start, distance.data());
+  if (!all_on_it()) return false;
+  if (!shape->fit(p.set(), p.weight.data(), false, kTinyStep)) return false;
+  shape->distances(p.set(), distance.data());
+  if (!all_on_it()) return false;
+  shape->report(p.x0, p.y0, p.unit, ellipse);
+  return true;
+}
+
 // Curvature at each rectangle if all of them stand on one ellipse, along its
 // normals: then it is known exactly, however few they are.
 bool curvature_of_ellipse(const std::vector<frame>& frames,
                           std::vector<double>* result) {
-  constexpr double kOnEllipsePx = 1e-3;
   constexpr double kAlongNormal = 0.02;  // radians
-  const size_t n = frames.size();
-  if (n < 6) return false;
-  double left = frames[0].x, right = left, top = frames[0].y, bottom = top;
-  for (const frame& f : frames) {
-    left = std::min(left, f.x);
-    right = std::max(right, f.x);
-    top = std::min(top, f.y);
-    bottom = std::max(bottom, f.y);
-  }
-  const double unit = std::max(right - left, bottom - top) / 2;
-  const double x0 = (left + right) / 2;
-  const double y0 = (top + bottom) / 2;
-  if (!(unit > 0 && unit < 1e7)) return false;
-  std::vector<double> x(n), y(n), distance(n);
-  const std::vector<double> weight(n, 1.0);
-  for (size_t i = 0; i < n; ++i) {
-    x[i] = (frames[i].x - x0) / unit;
-    y[i] = (frames[i].y - y0) / unit;
-  }
-  const point_set points = {x.data(), y.data(), static_cast<int>(n)};
-  const auto fitted = make_ellipse_fit();
-  if (!fitted->fit(points, weight.data(), false, kTinyStep)) return false;
-  fitted->distances(points, distance.data());
-  for (const double d : distance) {
-    if (!(d * unit < kOnEllipsePx + 1e-6 * unit)) return false;
-  }
-  double e[5];  // centre, angle, half-axes
-  fitted->report(x0, y0, unit, e);
+  double e[5];
+  if (!ellipse_of(frames, e)) return false;
   const frame own = frame_of(e[0], e[1], e[2], 0, 0);
-  for (size_t i = 0; i < n; ++i) {
+  for (size_t i = 0; i < frames.size(); ++i) {
     const frame& f = frames[i];
     const double p = own.u_of(f.x, f.y) / e[3];
-    const double q = -own.v_of(f.x, f.y) / e[4];  // upward
-    const double nu = p / e[3];
-    const double nv = -q / e[4];
-    const double length = std::hypot(nu, nv);
-    const double nx = (nu * own.cos + nv * own.sin) / length;
-    const double ny = (-nu * own.sin + nv * own.cos) / length;
+    const double q = own.v_of(f.x, f.y) / e[4];
+    // The normal, along the ellipse's own axes and then in the image.
+    const double length = std::hypot(p / e[3], q / e[4]);
+    const double nu = p / e[3] / length;
+    const double nv = q / e[4] / length;
+    const double nx = nu * own.cos + nv * own.sin;
+    const double ny = -nu * own.sin + nv * own.cos;
     if (!(std::fabs(f.cos * ny + f.sin * nx) < kAlongNormal)) return false;
     const double speed = std::hypot(e[3] * q, e[4] * p);
     const double curvature = e[3] * e[4] / (speed * speed * speed);
