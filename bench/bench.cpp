@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -84,12 +85,23 @@ cv::Mat draw(const Runs& runs, size_t count, cv::Size size) {
   return mask;
 }
 
-double now_ms() {
+bool g_cpu_clock = false;
+
+double wall_ms() {
   using clock = std::chrono::steady_clock;
   return std::chrono::duration<double, std::milli>(
              clock::now().time_since_epoch())
       .count();
 }
+
+double cpu_ms() {
+  timespec t;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return 1e3 * static_cast<double>(t.tv_sec) +
+         1e-6 * static_cast<double>(t.tv_nsec);
+}
+
+double now_ms() { return g_cpu_clock ? cpu_ms() : wall_ms(); }
 
 double median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<long>(values.size() / 2);
@@ -115,6 +127,8 @@ Options parse(int argc, char** argv) {
       options.filter = value;
     } else if (name == "--budget" && std::atoi(value.c_str()) > 0) {
       options.budget_ms = std::atoi(value.c_str());
+    } else if (name == "--clock" && (value == "cpu" || value == "wall")) {
+      g_cpu_clock = value == "cpu";
     } else if (name == "--threads" && std::atoi(value.c_str()) > 0) {
       options.threads.clear();
       std::istringstream list(value);
@@ -124,7 +138,7 @@ Options parse(int argc, char** argv) {
     } else {
       std::fprintf(stderr,
                    "usage: %s [--filter TEXT] [--threads N,...] "
-                   "[--budget MS]\n",
+                   "[--budget MS] [--clock wall|cpu]\n",
                    argv[0]);
       std::exit(2);
     }

@@ -33,7 +33,9 @@ struct Options {
   int budget_ms = 200;             // per measured row; --budget
 };
 
-// --filter TEXT, --threads N[,N], --budget MS. Exits with 2 on anything else.
+// --filter TEXT, --threads N[,N], --budget MS, --clock wall|cpu. Exits with 2
+// on anything else. The cpu clock counts what this process was given, on all
+// its threads: for one thread on a machine that does other work as well.
 Options parse(int argc, char** argv);
 
 // Photographs from the folder that photographs.sh fills, and seeded noise.

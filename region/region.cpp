@@ -132,6 +132,10 @@ void region::operator delete(void* memory) noexcept {
 
 void* region::operator new(size_t bytes) { return ::operator new(bytes); }
 
+void* region::operator new(size_t bytes, const std::nothrow_t& tag) noexcept {
+  return ::operator new(bytes, tag);
+}
+
 void region::reserve(size_t n) {
   if (n <= capacity) return;
   rows = internal::regrow(*this, rows, capacity, n);

@@ -107,6 +107,7 @@ class region {
   static void operator delete(region* r, std::destroying_delete_t);
   static void operator delete(void* memory) noexcept;
   static void* operator new(size_t bytes);
+  static void* operator new(size_t bytes, const std::nothrow_t&) noexcept;
   static void* operator new(size_t, void* place) noexcept { return place; }
 
  private:

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <new>
+#include <vector>
+
 #include "pictures.h"
 #include "region/operations.h"
 
@@ -119,6 +123,24 @@ TEST(Region, RunsFromChords) {
   r.chords[1] = {5, 6, 1, 0};
   r.from_3();
   EXPECT_EQ(runs_of(r), (Runs{{1, 2, 3}, {1, 5, 6}}));
+}
+
+TEST(Region, EveryKindOfNewAndDeleteFits) {
+  delete new region;
+  delete new region(3);
+  delete new (std::nothrow) region(0);
+  delete[] new region[2];
+  const auto owned = std::make_unique<region>(5);
+  const auto shared = std::make_shared<region>(*owned);
+  EXPECT_EQ(*owned->ref_count, 2);
+  std::vector<region> several(3, *owned);
+  EXPECT_EQ(*owned->ref_count, 5);
+  several.clear();
+  alignas(region) char place[sizeof(region)];
+  region* placed = new (place) region(*owned);
+  EXPECT_EQ(*owned->ref_count, 3);
+  placed->~region();
+  EXPECT_EQ(*owned->ref_count, 2);
 }
 
 TEST(Chord, OrderIsRowThenBeginThenEnd) {
