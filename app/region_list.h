@@ -22,6 +22,7 @@ class CRegionList : public CListCtrl {
   afx_msg void OnCustomDraw(NMHDR* header, LRESULT* result);
   DECLARE_MESSAGE_MAP()
 
+ private:
   void InsertColumns();
   void ShowHorizontalScrollBar();
   void DrawFirstCell(const NMLVCUSTOMDRAW& draw);

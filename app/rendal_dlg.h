@@ -82,6 +82,7 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
 
   DECLARE_MESSAGE_MAP()
 
+ private:
   // Start-up, in this order
   void ExtendSystemMenu();
   void ShowBuildDate();
