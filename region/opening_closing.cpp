@@ -7,6 +7,7 @@
 namespace vexo {
 namespace {
 
+using internal::canonical_runs;
 using internal::copy_image_size;
 using internal::dilate;
 using internal::element_runs;
@@ -19,7 +20,8 @@ using internal::to_runs;
 using internal::with_region_errors;
 
 element_runs at_reference(const run_view& element) {
-  return placed(element, upper_middle(element));
+  const canonical_runs canonical(element);
+  return placed(canonical.view(), upper_middle(canonical.view()));
 }
 
 run_buffer opened(const run_view& source, const element_runs& element) {

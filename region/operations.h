@@ -81,6 +81,24 @@ void fill_up(region& input, region* result);
 void fill_up_y(const region& input, region* result);
 void fill_up_y2(const region& input, region* result);
 
+// Set operations: union, difference (first minus second), intersection.
+//
+//   Requires   Runs of both inputs in row-major order, those of a row disjoint;
+//              they may touch.
+//   Result     Ordered runs. Image size, features and children of the result
+//              are left as they were. The result may be one of the inputs.
+//              union2(), difference() and intersection() replace its chord
+//              array: the union coalesces what overlaps or touches and keeps
+//              the fourth words of the chords it starts from; the difference
+//              keeps those of chords that stay whole; others are 0.
+//              The _y forms replace its run arrays: every run is the longest
+//              possible, whatever the inputs were.
+//   Unchanged  If either input has children.
+//   Cost       O(runs). The _y forms work on pieces of rows side by side, and
+//              merge dense rows as bits (64 pixels a step).
+//
+//      first   ##.####.#      union  difference  intersection
+//      second  .###..##.   #########  #...##..#     .#.#..#..
 void union2(region& first, region& second, region* result);
 void difference(region& first, region& second, region* result);
 void intersection(region& first, region& second, region* result);
@@ -92,10 +110,65 @@ void intersection_y(region& first, region& second, region* result);
 // Cost: O(n log n), O(n) when they are in order already; 16 bytes a run.
 void sort_y(int* rows, int* col_begins, int* col_ends, int n);
 
+// Structuring elements. Both forms of *element are replaced, its image size
+// becomes unknown; nothing of an older element is left.
+//
+//   gen_se_circle     A disc around (0, 0), rows -radius..radius. Radii below 1
+//                     count as 1 (the five-pixel plus); radius 2 has 21 pixels.
+//                     The outline is that of a midpoint circle with its own
+//                     rounding: symmetric in both axes and about the diagonal
+//                     up to the octant's last point. Deliberate, and pinned by
+//                     structuring_element_test.
+//   gen_se_rectangle  Rows 0..height - 1, columns 0..width - 1.
+//   gen_se_cross      The same extent: row height / 2 in full, of the others
+//                     column width / 2.
+//
+// Widths and heights below 3 count as 2: deliberate.
 void gen_se_circle(int radius, region* element);
 void gen_se_rectangle(int width, int height, region* element);
 void gen_se_cross(int width, int height, region* element);
 
+// Dilation and erosion of a source A by an element B.
+//
+//   dilation2   { a + (b - ref) : a in A, b in B }
+//   erosion2    { p : p + (b - ref) in A for every b in B }
+//   erosion1    as erosion2
+//   dilation1   { p : p + (b - ref) in A for some b in B }, that is by the
+//               element mirrored through ref; cut to the image when its width
+//               and height are known (above 0)
+//
+//   ref         (ref_col, ref_row) in the element's own coordinates. If either
+//               is -1, and in opening() and its like, per axis min +
+//               (max - min + 1) / 2 of the element's bounding box: the right or
+//               lower of two middles. dilation1() and erosion1() take (min +
+//               max) / 2, truncated toward 0: so even-sized elements lie one
+//               pixel apart in the two forms. An element that has children is
+//               used by them as it stands, ref (0, 0).
+//   Forms       dilation2() and erosion2() read and write run arrays,
+//               dilation1() and erosion1() chords.
+//   Requires    Runs in row-major order, those of a row disjoint and not
+//               touching. (Others are sorted and joined first, which takes
+//               longer.)
+//   Result      Ordered runs, the longest possible; image size of the source.
+//               Only dilation1() clips: the others keep runs at negative
+//               coordinates and beyond the image. The output may be the source
+//               or the element.
+//   Unchanged   If the source has children, or source or element no runs.
+//   Throws      "realloc failed" if a coordinate leaves 32 bits, with the
+//   output
+//               untouched.
+//   Cost        Per band of rows the cheaper of two forms. Strips, for few
+//               runs: O(runs * rows of the element / 16 + strips * rows of the
+//               element), for elements of one run a row. Bits, for many: O(rows
+//               * (columns / 512) * (rows of the element + log of its width))
+//               and O(runs) to enter and leave; scratch for as many rows of
+//               bits as the element is high. Elements of any shape are exact in
+//               every form.
+//
+//      source      element (ref *)     dilation2
+//      . . . .       .  #  .           . # . .
+//      . # . .       #  *  #           # # # .
+//      . . . .       .  #  .           . # . .
 void dilation1(region& source, region& element, region* output);
 void erosion1(region& source, region& element, region* output);
 void dilation2(const region& source, const region& element, region* output,
@@ -103,12 +176,53 @@ void dilation2(const region& source, const region& element, region* output,
 void erosion2(const region& source, const region& element, region* output,
               int ref_col, int ref_row);
 
+// Compositions, all around the reference point of the fast forms.
+//
+//   opening     erosion2, then dilation2, by the same element
+//   opening1    the same pixels from chords to chords, for every element
+//   closing     dilation2, then erosion2, by the mirrored element; then cut to
+//               the image, unless its size is unknown or the output has
+//               children
+//   top_hat     source minus opening
+//   bottom_hat  closing minus source
+//
+//   Result      As of dilation2(); image size of the source. The output may be
+//               the source. An opening lies inside its source and needs no
+//               clipping.
+//   Unchanged   If the source has children, or source or element no runs. The
+//               hats then take their difference with the output as it was: a
+//               source without runs empties it in top_hat() and leaves its
+//               pixels in bottom_hat(). With children nothing happens at all.
+//   Throws      As dilation2().
+//   Cost        That of the steps; all stay in runs.
 void opening(const region& source, const region& element, region* output);
 void opening1(region& source, region& element, region* output);
 void closing(const region& source, const region& element, region* output);
 void top_hat(const region& source, const region& element, region* output);
 void bottom_hat(const region& source, const region& element, region* output);
 
+// The boundary of a region, from run arrays to run arrays. Compared exactly,
+// `type` is one of
+//
+//   "inner"         pixels of the region that have one of their four edge
+//                   neighbours outside
+//   "outer"         pixels outside that have one of these inside; not clipped,
+//                   so row and column -1 are possible
+//   "inner_filled"  of every 8-connected component the pixels that a walk
+//   around
+//                   it visits: those that share an edge with the background
+//                   around the component, and so none along its holes. Appended
+//                   after the runs that the output holds already.
+//
+//   Requires   As dilation2().
+//   Result     Ordered runs, those of "inner_filled" after the older ones;
+//   image
+//              size of the source.
+//   Unchanged  If the source has no runs or has children, for any other type,
+//              and for a null pointer.
+//   Throws     As dilation2().
+//   Cost       O(runs) in all three; 80 bytes of scratch a run for
+//              "inner_filled". Nothing depends on the number of pixels.
 void boundary(const region& source, region* output, const char* type);
 
 // Fills the features of a region from its runs, or from its chords when it has

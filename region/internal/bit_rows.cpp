@@ -49,18 +49,20 @@ VEXO_INLINE size_t row_end_body(const int32_t* rows, size_t first,
   return i;
 }
 
-VEXO_INLINE bool are_apart_body(const int32_t* rows, const int32_t* begins,
-                                const int32_t* ends, size_t count) {
-  uint32_t close = 0;
+VEXO_INLINE bool are_canonical_body(const int32_t* rows, const int32_t* begins,
+                                    const int32_t* ends, size_t count) {
+  uint32_t wrong = count > 0 && begins[0] > ends[0];
   for (size_t i = 1; i < count; ++i) {
     // Modulo 2^32: nothing can follow a run that ends at the last column.
     const auto behind =
         static_cast<int32_t>(static_cast<uint32_t>(ends[i - 1]) + 1);
     const uint32_t same_row = rows[i] == rows[i - 1];
     const uint32_t touching = begins[i] <= behind;
-    close |= same_row & touching;
+    const uint32_t descending = rows[i] < rows[i - 1];
+    const uint32_t inverted = begins[i] > ends[i];
+    wrong |= (same_row & touching) | descending | inverted;
   }
-  return close == 0;
+  return wrong == 0;
 }
 
 VEXO_INLINE void span_body(const int32_t* begins, const int32_t* ends,
@@ -301,9 +303,10 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                                    size_t count) {                             \
     return row_end_body(rows, first, count);                                   \
   }                                                                            \
-  attribute bool are_apart_##width(const int32_t* rows, const int32_t* begins, \
-                                   const int32_t* ends, size_t count) {        \
-    return are_apart_body(rows, begins, ends, count);                          \
+  attribute bool are_canonical_##width(const int32_t* rows,                    \
+                                       const int32_t* begins,                  \
+                                       const int32_t* ends, size_t count) {    \
+    return are_canonical_body(rows, begins, ends, count);                      \
   }                                                                            \
   attribute void span_##width(const int32_t* begins, const int32_t* ends,      \
                               size_t count, int32_t* min, int32_t* max) {      \
@@ -348,11 +351,11 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
     merge_body<subtract>(from, into, count, words);                            \
   }                                                                            \
   constexpr bit_kernels kKernels_##width = {                                   \
-      dilate_strip_##width, mark_runs_##width,  fill_between_##width,          \
-      row_end_##width,      are_apart_##width,  span_##width,                  \
-      reaches_##width,      count_runs_##width, write_runs_##width,            \
-      spread_or_##width,    spread_and_##width, move_##width,                  \
-      merge_or_##width,     merge_and_##width,  merge_and_not_##width};
+      dilate_strip_##width, mark_runs_##width,     fill_between_##width,       \
+      row_end_##width,      are_canonical_##width, span_##width,               \
+      reaches_##width,      count_runs_##width,    write_runs_##width,         \
+      spread_or_##width,    spread_and_##width,    move_##width,               \
+      merge_or_##width,     merge_and_##width,     merge_and_not_##width};
 
 VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
 

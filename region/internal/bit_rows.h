@@ -37,9 +37,10 @@ struct bit_kernels {
 
   // One past the last of the entries from `first` on that equal rows[first].
   size_t (*row_end)(const int32_t* rows, size_t first, size_t count);
-  // Whether no two neighbours of one row touch or overlap.
-  bool (*are_apart)(const int32_t* rows, const int32_t* begins,
-                    const int32_t* ends, size_t count);
+  // Whether rows ascend, no run ends before it begins, and no two neighbours of
+  // one row touch, overlap or stand in the wrong order.
+  bool (*are_canonical)(const int32_t* rows, const int32_t* begins,
+                        const int32_t* ends, size_t count);
   // Lowers *min to the smallest begin, raises *max to the greatest end.
   void (*span)(const int32_t* begins, const int32_t* ends, size_t count,
                int32_t* min, int32_t* max);

@@ -196,7 +196,8 @@ class contour_finder {
 }  // namespace
 
 run_buffer outer_contours(const run_view& source) {
-  return contour_finder(source).find();
+  const canonical_runs canonical(source);
+  return contour_finder(canonical.view()).find();
 }
 
 }  // namespace vexo::internal

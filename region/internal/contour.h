@@ -10,7 +10,7 @@ namespace vexo::internal {
 // edge with the background that surrounds the component, holes apart. These
 // are the pixels that a walk around the component visits (a step goes to any
 // of eight neighbours), found without walking. Cost follows the runs, not the
-// pixels. Source runs must be canonical.
+// pixels.
 run_buffer outer_contours(const run_view& source);
 
 }  // namespace vexo::internal

@@ -10,12 +10,14 @@ struct box {
   int64_t min_row, min_col, max_row, max_col;
 };
 
-// Rows are ordered, columns are not.
 box bounds(const run_view& runs) {
-  return {runs.rows[0],
-          *std::min_element(runs.begins, runs.begins + runs.count),
-          runs.rows[runs.count - 1],
-          *std::max_element(runs.ends, runs.ends + runs.count)};
+  if (runs.count == 0) return {0, 0, 0, 0};
+  box b{runs.rows[0], INT32_MAX, runs.rows[runs.count - 1], INT32_MIN};
+  for (size_t i = 0; i < runs.count; ++i) {
+    b.min_col = std::min<int64_t>(b.min_col, runs.begins[i]);
+    b.max_col = std::max<int64_t>(b.max_col, runs.ends[i]);
+  }
+  return b;
 }
 
 }  // namespace
@@ -51,16 +53,18 @@ element_runs reflected(const element_runs& element) {
 
 element_runs placed_by_request(const region& element, int ref_col,
                                int ref_row) {
-  const run_view runs = runs_of(element);
+  const canonical_runs canonical(runs_of(element));
+  const run_view& runs = canonical.view();
   const bool automatic = ref_col == -1 || ref_row == -1;
   return placed(runs, automatic ? upper_middle(runs) : point{ref_col, ref_row});
 }
 
 element_runs centred_by_chords(const region& element) {
-  const run_buffer runs = to_runs(element.chords, element.chord_count);
+  const run_buffer copy = to_runs(element.chords, element.chord_count);
+  const canonical_runs canonical(view_of(copy));
+  const run_view& runs = canonical.view();
   const bool as_it_stands = element.child_count != 0;
-  return placed(view_of(runs),
-                as_it_stands ? point{0, 0} : lower_middle(view_of(runs)));
+  return placed(runs, as_it_stands ? point{0, 0} : lower_middle(runs));
 }
 
 }  // namespace vexo::internal

@@ -212,8 +212,10 @@ bool nothing_fits(const run_view& source, const element_runs& element) {
 
 void set_morphology_form(morphology_form form) { g_form.store(form); }
 
-run_buffer dilate(const run_view& source, const element_runs& element) {
-  if (source.count == 0) return run_buffer();
+run_buffer dilate(const run_view& runs, const element_runs& element) {
+  const canonical_runs canonical(runs);
+  const run_view& source = canonical.view();
+  if (source.count == 0 || element.empty()) return run_buffer();
   const row_list rows(source);
   const extent from = extent_of(source, rows);
   const extent by = extent_of(element);
@@ -225,8 +227,11 @@ run_buffer dilate(const run_view& source, const element_runs& element) {
   return work.better_plain() ? plain_dilate(source, element) : work.run();
 }
 
-run_buffer erode(const run_view& source, const element_runs& element) {
-  if (source.count == 0 || nothing_fits(source, element)) return run_buffer();
+run_buffer erode(const run_view& runs, const element_runs& element) {
+  const canonical_runs canonical(runs);
+  const run_view& source = canonical.view();
+  if (source.count == 0 || element.empty() || nothing_fits(source, element))
+    return run_buffer();
   const row_list rows(source);
   const element_runs mirrored = reflected(element);
   const extent from = extent_of(source, rows);

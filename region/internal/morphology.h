@@ -11,11 +11,11 @@
 
 namespace vexo::internal {
 
-// { a + b : a in source, b in element }
-run_buffer dilate(const run_view& source, const element_runs& element);
+// { a + b : a in runs, b in element }
+run_buffer dilate(const run_view& runs, const element_runs& element);
 
-// { p : p + b in source for every b in element }
-run_buffer erode(const run_view& source, const element_runs& element);
+// { p : p + b in runs for every b in element }
+run_buffer erode(const run_view& runs, const element_runs& element);
 
 // Which form does the work; results are the same.
 enum class morphology_form {

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <utility>
 
+#include "region/internal/bit_rows.h"
 #include "region/internal/parallel.h"
+#include "region/operations.h"
 
 namespace vexo::internal {
 
@@ -44,6 +46,25 @@ run_buffer joined(std::vector<run_buffer> parts) {
   });
   all.set_size(offsets.back());
   return all;
+}
+
+canonical_runs::canonical_runs(const run_view& runs)
+    : copy_(size_t{0}), view_(runs) {
+  if (kernels().are_canonical(runs.rows, runs.begins, runs.ends, runs.count))
+    return;
+  if (runs.count > kMaxChords) throw_realloc_failed();
+  run_buffer ordered(runs.count);
+  for (size_t i = 0; i < runs.count; ++i) {
+    if (runs.begins[i] <= runs.ends[i])
+      ordered.push(runs.rows[i], runs.begins[i], runs.ends[i]);
+  }
+  sort_y(ordered.rows(), ordered.begins(), ordered.ends(),
+         static_cast<int>(ordered.size()));
+  copy_ = run_buffer(ordered.size());
+  for (size_t i = 0; i < ordered.size(); ++i)
+    push_joined(ordered.rows()[i], ordered.begins()[i], ordered.ends()[i],
+                &copy_);
+  view_ = view_of(copy_);
 }
 
 }  // namespace vexo::internal

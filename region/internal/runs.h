@@ -42,6 +42,19 @@ run_buffer to_runs(const chord* chords, int32_t count);
 // The runs of all parts, one after the other.
 run_buffer joined(std::vector<run_buffer> parts);
 
+// Runs as the fast forms need them: ordered, apart, none inverted. Usually
+// those of the caller; else a copy, put in order and joined, so that careless
+// input costs time and nothing else.
+class canonical_runs {
+ public:
+  explicit canonical_runs(const run_view& runs);
+  const run_view& view() const { return view_; }
+
+ private:
+  run_buffer copy_;
+  run_view view_;
+};
+
 inline void copy_image_size(const region& source, region* result) {
   result->width = source.width;
   result->height = source.height;

@@ -207,8 +207,8 @@ class combination {
   }
 
   bool is_canonical(const stretch& s) const {
-    return k_.are_apart(s.runs.rows + s.first, s.runs.begins + s.first,
-                        s.runs.ends + s.first, s.count());
+    return k_.are_canonical(s.runs.rows + s.first, s.runs.begins + s.first,
+                            s.runs.ends + s.first, s.count());
   }
 
   columns columns_of(const stretch& a, const stretch& b) const {

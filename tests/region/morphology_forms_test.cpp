@@ -158,6 +158,32 @@ TEST_F(MorphologyForms, AllAgreeOnTwelveMegapixels) {
   }
 }
 
+TEST_F(MorphologyForms, CarelessRunsGiveWhatTheirPixelsGive) {
+  const region careful = region_of({{0, 0, 9}, {1, 0, 9}, {2, 3, 9}});
+  const Runs careless[] = {
+      {{0, 0, 4}, {0, 5, 9}, {1, 0, 9}, {2, 3, 9}},              // touching
+      {{0, 0, 6}, {0, 2, 9}, {1, 0, 9}, {2, 3, 9}},              // overlapping
+      {{0, 5, 9}, {0, 0, 4}, {1, 0, 9}, {2, 3, 9}},              // columns
+      {{2, 3, 9}, {0, 0, 9}, {1, 0, 9}},                         // rows
+      {{0, 0, 9}, {1, 0, 9}, {1, 50, 40}, {2, 3, 9}, {2, 4, 3}}  // inverted
+  };
+  region element;
+  vexo::gen_se_circle(1, &element);
+  for (const morphology_form form : kForms) {
+    vexo::internal::set_morphology_form(form);
+    const Results expected = results_of(careful, element);
+    region contour;
+    vexo::boundary(careful, &contour, "inner_filled");
+    for (const Runs& runs : careless) {
+      const region source = region_of(runs);
+      EXPECT_TRUE(results_of(source, element) == expected);
+      region same;
+      vexo::boundary(source, &same, "inner_filled");
+      EXPECT_EQ(runs_of(same), runs_of(contour));
+    }
+  }
+}
+
 TEST_F(MorphologyForms, RowsAndColumnsFarApartCostNothing) {
   const region source = region_of({{-2000000000, -2000000000, -1999999990},
                                    {-1999999999, -2000000000, -1999999990},
