@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <cstring>
 
+#include "region/internal/bit_boundary.h"
 #include "region/internal/contour.h"
 #include "region/internal/element.h"
 #include "region/internal/morphology.h"
@@ -10,8 +11,12 @@
 namespace vexo {
 namespace {
 
+using internal::bit_boundary;
+using internal::canonical_runs;
 using internal::copy_image_size;
+using internal::dense_boundary;
 using internal::dilate;
+using internal::edge;
 using internal::element_runs;
 using internal::erode;
 using internal::outer_contours;
@@ -27,11 +32,13 @@ const element_runs& cross() {
 }
 
 run_buffer inner(const run_view& source) {
+  if (dense_boundary(source)) return bit_boundary(source, edge::inner);
   const run_buffer core = erode(source, cross());
   return subtract_runs(source, view_of(core));
 }
 
 run_buffer outer(const run_view& source) {
+  if (dense_boundary(source)) return bit_boundary(source, edge::outer);
   const run_buffer grown = dilate(source, cross());
   return subtract_runs(view_of(grown), source);
 }
@@ -53,7 +60,8 @@ void boundary(const region& source, region* output, const char* type) {
   if (source.child_count != 0 || source.run_count == 0 || type == nullptr)
     return;
   with_region_errors([&] {
-    const run_view runs = runs_of(source);
+    const canonical_runs canonical(runs_of(source));
+    const run_view& runs = canonical.view();
     if (std::strcmp(type, "inner") == 0) {
       inner(runs).move_to(output);
     } else if (std::strcmp(type, "inner_filled") == 0) {

@@ -267,6 +267,24 @@ VEXO_INLINE void move_body(const uint64_t* from, uint64_t* to, size_t words,
   }
 }
 
+template <bool inner>
+VEXO_INLINE void edge_body(const uint64_t* above, const uint64_t* at,
+                           const uint64_t* below, uint64_t* to, size_t words) {
+  for (size_t w = 0; w < words; w += kStep) {
+    block here, left, right, up, down;
+    load(at + w, &here);
+    load_raised(at + w, 1, &left);
+    load_lowered(at + w, 1, &right);
+    load(above + w, &up);
+    load(below + w, &down);
+    if constexpr (inner) {
+      store(here & ~(left & right & up & down), to + w);
+    } else {
+      store((left | right | up | down) & ~here, to + w);
+    }
+  }
+}
+
 template <typename Combine>
 VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                             size_t count, size_t words) {
@@ -336,6 +354,16 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                               size_t words, ptrdiff_t up) {                    \
     move_body(from, to, words, up);                                            \
   }                                                                            \
+  attribute void inner_edge_##width(const uint64_t* above, const uint64_t* at, \
+                                    const uint64_t* below, uint64_t* to,       \
+                                    size_t words) {                            \
+    edge_body<true>(above, at, below, to, words);                              \
+  }                                                                            \
+  attribute void outer_edge_##width(const uint64_t* above, const uint64_t* at, \
+                                    const uint64_t* below, uint64_t* to,       \
+                                    size_t words) {                            \
+    edge_body<false>(above, at, below, to, words);                             \
+  }                                                                            \
   attribute void merge_or_##width(const uint64_t* from, uint64_t* const* into, \
                                   size_t count, size_t words) {                \
     merge_body<unite>(from, into, count, words);                               \
@@ -355,7 +383,8 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
       row_end_##width,      are_canonical_##width, span_##width,               \
       reaches_##width,      count_runs_##width,    write_runs_##width,         \
       spread_or_##width,    spread_and_##width,    move_##width,               \
-      merge_or_##width,     merge_and_##width,     merge_and_not_##width};
+      inner_edge_##width,   outer_edge_##width,    merge_or_##width,           \
+      merge_and_##width,    merge_and_not_##width};
 
 VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
 

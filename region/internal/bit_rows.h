@@ -62,6 +62,12 @@ struct bit_kernels {
                      size_t down, size_t up);
   // to = from moved up (or down, when negative).
   void (*move)(const uint64_t* from, uint64_t* to, size_t words, ptrdiff_t up);
+  // Bits of `at` with an edge neighbour that is 0; bits that are 0 in `at` with
+  // one that is 1.
+  void (*inner_edge)(const uint64_t* above, const uint64_t* at,
+                     const uint64_t* below, uint64_t* to, size_t words);
+  void (*outer_edge)(const uint64_t* above, const uint64_t* at,
+                     const uint64_t* below, uint64_t* to, size_t words);
   // into |= from, into &= from, into &= ~from, for several rows `into`.
   void (*merge_or)(const uint64_t* from, uint64_t* const* into, size_t count,
                    size_t words);

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
+#include "region/internal/parallel.h"
+#include "region/internal/row_scan.h"
 #include "region/operations.h"
 #include "region_cases.h"
 
@@ -132,6 +136,51 @@ TEST(Boundary, AgreesWithThePixelOracle) {
     ASSERT_EQ(boundary_of(source, "outer"),
               oracle_outer_boundary(pixels).runs());
   }
+}
+
+TEST(Boundary, DenseAndSparseRowsThreadsAndVectorWidthsAgree) {
+  using vexo::internal::vector_level;
+  for (uint64_t seed = 0; seed < 20; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    Runs runs;
+    for (int row = -90; row < 200; ++row) {
+      if (seed % 3 == 0 && row % 50 > 30) continue;
+      const int most = seed % 2 == 0 ? 5 : 150;
+      for (int column = random.between(-9, 9); column < 900;) {
+        const int end = column + random.between(0, most);
+        runs.push_back({row, column, end});
+        column = end + 2 + random.between(0, most);
+      }
+    }
+    const region source = region_of(runs);
+    const PixelSet pixels = pixels_of(runs);
+    const Runs inner = oracle_inner_boundary(pixels).runs();
+    const Runs outer = oracle_outer_boundary(pixels).runs();
+    for (const int threads : {1, 2, 8}) {
+      for (const vector_level level :
+           {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+        vexo::internal::set_thread_limit(threads);
+        vexo::internal::set_vector_limit(level);
+        const bool agree = boundary_of(source, "inner") == inner &&
+                           boundary_of(source, "outer") == outer;
+        vexo::internal::set_thread_limit(0);
+        vexo::internal::set_vector_limit(vector_level::kAvx512);
+        ASSERT_TRUE(agree) << threads << " " << static_cast<int>(level);
+      }
+    }
+  }
+}
+
+TEST(Boundary, OuterBeyond32BitsThrowsAndLeavesTheOutputAsItWas) {
+  Runs runs;
+  for (int column = 0; column < 200; column += 2)
+    runs.push_back({INT32_MAX, column, column});
+  region output = region_of({{1, 2, 3}});
+  EXPECT_THROW(vexo::boundary(region_of(runs), &output, "outer"),
+               std::runtime_error);
+  EXPECT_EQ(runs_of(output), (Runs{{1, 2, 3}}));
+  EXPECT_EQ(boundary_of(region_of(runs), "inner"), runs);
 }
 
 TEST(Boundary, InnerFilledIsWhatAWalkAroundEachComponentVisits) {
