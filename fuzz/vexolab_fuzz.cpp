@@ -5,11 +5,11 @@
 // whatever the arguments: codes, outputs on failure, finite results, nothing
 // written behind a result, the image untouched, no call longer than a second.
 // A broken promise aborts.
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <vector>
@@ -27,10 +27,10 @@ void require(bool holds, const char* what) {
 // Of processor time, so that a busy machine does not count; sanitizers make
 // everything an order of magnitude slower.
 #if defined(__has_feature)
-#if __has_feature(address_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define VEXOLAB_FUZZ_SANITIZED
 #endif
-#elif defined(__SANITIZE_ADDRESS__)
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define VEXOLAB_FUZZ_SANITIZED
 #endif
 #ifdef VEXOLAB_FUZZ_SANITIZED
@@ -86,11 +86,11 @@ class Bytes {
     if (kind < 190) return next() * 3.0 - 300.0;
     if (kind < 235)
       return kExtremes[kind % (sizeof kExtremes / sizeof(double))];
-    uint8_t raw[8];
-    for (uint8_t& byte : raw) byte = static_cast<uint8_t>(next());
-    double value;
-    std::memcpy(&value, raw, sizeof value);
-    return value;
+    uint64_t bits = 0;
+    for (int i = 0; i < 8; ++i) {
+      bits |= static_cast<uint64_t>(next()) << (8 * i);
+    }
+    return std::bit_cast<double>(bits);
   }
 
   int integer() {
