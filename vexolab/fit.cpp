@@ -22,6 +22,9 @@ constexpr int kMethodLong = 7;
 // rounding error an outlier.
 constexpr double kSmallestSigmaPx = 0.01;
 
+// Closer than this, points coincide: squares of their distances would be 0.
+constexpr double kSmallestExtentPx = 1e-100;
+
 // More than this are first fitted to half as many of them.
 constexpr int kManyPoints = 20000;
 constexpr int kRoundsOverMany = 2;
@@ -53,7 +56,9 @@ double median(std::vector<double>* values) {
 // away must not cost the others their digits.
 struct framed_points {
   std::vector<double> x, y;
-  double origin_x, origin_y, unit;
+  double origin_x, origin_y;
+  double extent;  // of the points from the origin, px
+  double unit;    // px
 
   framed_points(const double* points, int n)
       : x(points, points + n), y(points + n, points + 2 * n) {
@@ -66,25 +71,23 @@ struct framed_points {
     for (int i = 0; i < n; ++i) {
       scratch[i] = std::max(std::fabs(x[i]), std::fabs(y[i]));
     }
-    double spread = median(&scratch);
-    if (spread == 0) spread = *std::max_element(scratch.begin(), scratch.end());
+    extent = *std::max_element(scratch.begin(), scratch.end());
+    // Most of the points may coincide; the others' fourth powers must still be
+    // numbers.
+    const double spread = std::max(median(&scratch), 1e-12 * extent);
     int exponent = 0;
     std::frexp(spread, &exponent);
-    unit = spread > 0 ? std::ldexp(1.0, exponent) : 1.0;
-    // A power of two, so scaling is exact (times, not divided by: the
-    // reciprocal of a tiny unit would overflow).
+    // A power of two, so that scaling rounds nothing.
+    unit = std::ldexp(1.0, exponent);
     for (double& value : x) value /= unit;
     for (double& value : y) value /= unit;
   }
 
   // All in one place, as far as numbers of this size can tell.
   bool coincide() const {
-    double extent = 0;
-    for (const double value : x) extent = std::max(extent, std::fabs(value));
-    for (const double value : y) extent = std::max(extent, std::fabs(value));
+    constexpr double kRounding = 4 * std::numeric_limits<double>::epsilon();
     const double size = std::max(std::fabs(origin_x), std::fabs(origin_y));
-    return extent * unit <= 4 * std::numeric_limits<double>::epsilon() * size ||
-           extent == 0;
+    return extent <= std::max(kRounding * size, kSmallestExtentPx);
   }
 };
 

@@ -45,6 +45,14 @@ struct normal_equations {
     *delta = -factors.solve(gradient);
     return delta->allFinite();
   }
+
+  // By how much the cost would fall if it were what the equations say.
+  double promise(const Eigen::Matrix<double, kFreedom, 1>& delta,
+                 double damping) const {
+    const double damped =
+        hessian.diagonal().dot(delta.cwiseProduct(delta)) * damping;
+    return damped - gradient.dot(delta);
+  }
 };
 
 // Moves *shape to the nearest minimum. Shape has
@@ -53,39 +61,46 @@ struct normal_equations {
 //   normal_equations<kFreedom> linearise(points, weight)
 //   bool move(step)              false: there is no such shape
 //
-// Ends with the first step below `last_step`, or when no step, however short,
-// improves. Close to a minimum that fits well the next step would be as the
-// square of the last one; of very many points, fewer steps are taken.
+// Ends with the first undamped step below `last_step`, or when no step promises
+// anything. Close to a minimum that fits well the next step would be as the
+// square of the last one; of very many points, fewer steps are taken. The
+// damping follows the quality of the steps [H. Nielsen, Damping parameter in
+// Marquardt's method, 1999].
 template <typename Shape>
 void minimise(const point_set& points, const double* weight, double last_step,
               Shape* shape) {
+  constexpr double kFirstDamping = 1e-4;
   constexpr double kMostDamping = 1e8;
-  const int most_steps = std::clamp(200000 / points.n, 3, 100);
+  constexpr double kNothing = 1e-15;  // as a part of the cost
+  const int most_steps = std::clamp(200000 / points.n, 3, 200);
   auto equations = shape->linearise(points, weight);
-  double damping = 0;
-  for (int i = 0; i < most_steps; ++i) {
+  double damping = 0, growth = 2;
+  for (int i = 0; i < most_steps && damping < kMostDamping; ++i) {
     Eigen::Matrix<double, Shape::kFreedom, 1> delta;
-    bool better = false;
-    if (equations.step(damping, &delta)) {
-      Shape moved = *shape;
-      if (moved.move(delta)) {
-        if (damping == 0 && delta.cwiseAbs().maxCoeff() <= last_step) {
-          *shape = moved;
-          return;
-        }
-        const auto next = moved.linearise(points, weight);
-        better = next.cost <= equations.cost;
-        if (better) {
-          *shape = moved;
-          equations = next;
-        }
+    Shape moved = *shape;
+    double gain = -1;  // achieved, as a part of what was promised
+    if (equations.step(damping, &delta) && moved.move(delta)) {
+      if (damping == 0 && delta.cwiseAbs().maxCoeff() <= last_step) {
+        *shape = moved;
+        return;
+      }
+      const double promised = equations.promise(delta, damping);
+      if (!(promised > kNothing * equations.cost)) return;
+      const auto next = moved.linearise(points, weight);
+      gain = (equations.cost - next.cost) / promised;
+      if (gain >= 0) {
+        *shape = moved;
+        equations = next;
       }
     }
-    if (better) {
-      damping = damping > 1e-6 ? damping / 10 : 0;
+    if (gain >= 0) {
+      const double miss = 2 * gain - 1;
+      damping *= std::fmax(1.0 / 3, 1 - miss * miss * miss);
+      if (damping < 0.01 * kFirstDamping) damping = 0;
+      growth = 2;
     } else {
-      damping = std::fmax(damping * 10, 1e-4);
-      if (damping > kMostDamping) return;
+      damping = damping > 0 ? damping * growth : kFirstDamping;
+      growth *= 2;
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "tests/vexolab/fit_points.h"
+#include "tests/vexolab/spoilt_points.h"
 #include "vexolab/ellipse.h"
 
 using namespace fit_points;
@@ -216,4 +217,41 @@ TEST(FitEllipse, FarFromTheOriginAndTinyAndHugeEllipsesAreExact) {
   }
   expect_ellipse(fit(moved(p, 1e5, -1e5), VEXOLAB_ELLIPSE),
                  {1e5 + 3, -1e5 + 4, 25, 10, 6}, 1e-9);
+}
+
+TEST(FitEllipse, LargeResidualsOfAnArcEndInAMinimumAllTheSame) {
+  synthetic::random random(16);
+  int fitted = 0;
+  for (int trial = 0; trial < 200; ++trial) {
+    const points p = on(kEllipse, 20, random.uniform(0, 6), 0.4,
+                        [&](int) { return 2 * random.normal(); });
+    const result r = fit(p, VEXOLAB_ELLIPSE, kPlain);
+    if (r.code != 0) continue;
+    ++fitted;
+    const double least = sum_of_squares(p, r.v);
+    for (int k = 0; k < 5; ++k) {
+      for (const double step : {-0.01, 0.01}) {
+        double v[5];
+        std::copy(r.v, r.v + 5, v);
+        v[k] += step;
+        EXPECT_GT(sum_of_squares(p, v), least - 1e-6) << trial << " " << k;
+      }
+    }
+  }
+  EXPECT_GT(fitted, 100);
+}
+
+TEST(FitEllipse, FortyPercentOnAnotherContourRarelyWinOverSixtyOnTheRightOne) {
+  synthetic::random random(17);
+  for (const auto kind : {spoilt_points::outliers::kOtherEdge,
+                          spoilt_points::outliers::kStraight}) {
+    int lost = 0;
+    for (int trial = 0; trial < 300; ++trial) {
+      const auto truth = spoilt_points::any_shape(VEXOLAB_ELLIPSE, &random);
+      const auto p = spoilt_points::spoil(truth, 30, 12, kind, &random);
+      const result r = fit(p.all, VEXOLAB_ELLIPSE, kShortTail);
+      lost += r.code != 0 || spoilt_points::error_of(truth, r.v) > 0.5;
+    }
+    EXPECT_LE(lost, 6);  // 2 %
+  }
 }

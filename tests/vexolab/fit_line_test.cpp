@@ -120,3 +120,14 @@ TEST(FitLine, OneStrayPointAtTheEndOfTheWorldCostsNoDigits) {
   EXPECT_NEAR(r.v[0], 0.8, 1e-13);
   EXPECT_NEAR(r.v[1], 0.6, 1e-13);
 }
+
+TEST(FitLine, KeepsAsManyPointsAsTheCallerAsksFor) {
+  points p = on_segment({0, 0}, {38, 0}, 20);
+  for (int i = 0; i < 8; ++i) p[2 * i + 3].y = 3 + i;
+  const result twelve = fit(p, VEXOLAB_LINE, {7, 2, 20, 12});
+  ASSERT_EQ(twelve.code, 0);
+  EXPECT_NEAR(twelve.v[3], 0, 1e-12);
+  const result sixteen = fit(p, VEXOLAB_LINE, {7, 2, 20, 16});
+  ASSERT_EQ(sixteen.code, 0);
+  EXPECT_GT(sixteen.v[3], 0.3);
+}

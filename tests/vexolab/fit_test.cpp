@@ -247,3 +247,57 @@ TEST(Fit, MillionPointsWithOutliersAreFitted) {
   EXPECT_NEAR(r.v[3], kEllipse.a, 0.003);
   EXPECT_NEAR(r.v[4], kEllipse.b, 0.003);
 }
+
+TEST(Fit, PointsApartByRoundingOnlyCoincide) {
+  for (const int shape : kShapes) {
+    points p;
+    const double x = 1e5 + 0.1, y = -3e4;
+    for (int i = 0; i < 20; ++i) {
+      p.push_back({i % 3 ? x : std::nextafter(x, 1e6),
+                   i % 5 ? y : std::nextafter(y, 0)});
+    }
+    for (const parameters how : {kRobust, kPlain}) {
+      expect_refused(fit(p, shape, how), shape, VEXOLAB_E_DEGENERATE);
+    }
+  }
+}
+
+TEST(Fit, MovingThePointsMovesARobustFit) {
+  synthetic::random random(8);
+  for (const int shape : kShapes) {
+    points p = sample_points(shape, 60);
+    for (point& q : p) q.y += 0.05 * random.normal();
+    for (int i = 0; i < 60; i += 3) p[i].x += random.uniform(-25, 25);
+    const double far = 4194304;  // a power of two: moving is nearly exact
+    const result here = fit(p, shape), there = fit(moved(p, far, far), shape);
+    ASSERT_EQ(here.code, 0);
+    ASSERT_EQ(there.code, 0);
+    const bool line = shape == VEXOLAB_LINE;
+    for (int i = 0; i < kDoubles[shape]; ++i) {
+      const bool coordinate = line ? i >= 2 : i < 2;
+      EXPECT_NEAR(there.v[i] - (coordinate ? far : 0), here.v[i], 1e-6);
+    }
+  }
+}
+
+TEST(Fit, AlmostNoDistanceBetweenMostPointsIsNoOverflow) {
+  for (const int shape : kShapes) {
+    for (const double tiny : {1e-300, 1e-160, 1e-80, 1e-20}) {
+      points p;
+      for (int i = 0; i < 20; ++i) p.push_back({i * tiny, (i % 3) * tiny});
+      for (const bool stray : {false, true}) {
+        if (stray) p[3] = {50.65, 20};
+        for (const parameters how : {kRobust, kShortTail, kPlain}) {
+          const result r = fit(p, shape, how);
+          if (r.code != 0) {
+            expect_refused(r, shape, VEXOLAB_E_DEGENERATE);
+            continue;
+          }
+          for (int i = 0; i < kDoubles[shape]; ++i) {
+            EXPECT_TRUE(std::isfinite(r.v[i])) << tiny << " " << i;
+          }
+        }
+      }
+    }
+  }
+}
