@@ -127,7 +127,8 @@ run_buffer bit_boundary(const run_view& source, edge which) {
   parallel_for(pieces, [&](size_t p) {
     const size_t first = piece_begin(rows.count(), pieces, p);
     const size_t last = piece_begin(rows.count(), pieces, p + 1);
-    parts[p].ensure(rows.first(last) - rows.first(first));
+    const size_t runs = rows.first(last) - rows.first(first);
+    parts[p].ensure(runs + runs / 2);
     // Rows between two pieces belong to the upper one.
     const int64_t first_row = p == 0 ? rows.row(0) - 1 : rows.row(first);
     const int64_t last_row =
