@@ -55,3 +55,14 @@ void __wrap_free(void* p) {
   g_live -= p != nullptr;
   __real_free(p);
 }
+
+// The test's own objects are not counted, even where the C++ runtime is linked
+// statically and its malloc is wrapped as well.
+void* operator new(size_t n) {
+  void* p = __real_malloc(n > 0 ? n : 1);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+
+void operator delete(void* p) noexcept { __real_free(p); }
+void operator delete(void* p, size_t) noexcept { __real_free(p); }

@@ -23,6 +23,13 @@ using vexo_test::Runs;
 
 class Memory : public testing::Test {
  protected:
+  // Some runtimes allocate a mutex when it is first locked.
+  static void SetUpTestSuite() {
+    region input = vexo_test::picture({"#.#"});
+    region result;
+    vexo::connection(input, &result, 0);
+  }
+
   Memory() { vexo::internal::set_thread_limit(1); }
   ~Memory() override {
     fail_request(0);
