@@ -23,11 +23,12 @@ using vexo_test::Runs;
 
 class Memory : public testing::Test {
  protected:
-  // Some runtimes allocate a mutex when it is first locked.
+  // Some runtimes allocate at the first lock and at the first exception.
   static void SetUpTestSuite() {
     region input = vexo_test::picture({"#.#"});
     region result;
     vexo::connection(input, &result, 0);
+    EXPECT_THROW(result.reserve(SIZE_MAX), std::runtime_error);
   }
 
   Memory() { vexo::internal::set_thread_limit(1); }
