@@ -114,7 +114,7 @@ bool dense_boundary(const run_view& source) {
       first_row == INT32_MIN || last_row == INT32_MAX)
     return false;
   const double rows = int64_t{last_row} - first_row + 1.0;
-  const double words = (int64_t{span.max} - span.min) / 64.0 + 8;
+  const auto words = static_cast<double>(words_for(span.min, span.max));
   return words < (1 << 20) &&
          24 * static_cast<double>(source.count) > rows * (60 + 6 * words);
 }

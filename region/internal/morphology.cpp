@@ -5,6 +5,7 @@
 #include <atomic>
 #include <limits>
 
+#include "region/internal/bit_lines.h"
 #include "region/internal/bit_morphology.h"
 #include "region/internal/parallel.h"
 #include "region/internal/plain_morphology.h"
@@ -178,10 +179,9 @@ class morphology {
   }
 
   double bit_cost(const load& l) const {
-    const double columns =
-        static_cast<double>(source_extent_.max_col - source_extent_.min_col +
-                            element_extent_.max_col - element_extent_.min_col);
-    const double words = columns / 64 + 8;
+    const int64_t columns = source_extent_.max_col - source_extent_.min_col +
+                            element_extent_.max_col - element_extent_.min_col;
+    const auto words = static_cast<double>(words_for(0, columns));
     // Working memory beyond the caches' reach is out of the question.
     constexpr double kMostWords = 1 << 20;
     constexpr double kMostRingWords = 1 << 23;

@@ -136,7 +136,6 @@ void intersect(stretch a, stretch b, writer* out) {
 struct columns {
   int32_t min;
   int32_t max;
-  int64_t count() const { return int64_t{max} - min + 1; }
 };
 
 class combination {
@@ -199,11 +198,10 @@ class combination {
     const double rows = int64_t{a.runs.rows[a.last - 1]} - a.row() + 1.0;
     const double merging = 7 * static_cast<double>(a.count() + b.count());
     const auto bits = [&](double words) { return rows * (60 + 4 * words); };
-    constexpr double kFewestWords = 8;
-    if (merging < bits(kFewestWords)) return false;
-    const double more = static_cast<double>(columns_of(a, b).count()) / 64;
-    return merging > bits(kFewestWords + more) && is_canonical(a) &&
-           is_canonical(b);
+    if (merging < bits(kWordsPerBlock)) return false;
+    const columns span = columns_of(a, b);
+    return merging > bits(static_cast<double>(words_for(span.min, span.max))) &&
+           is_canonical(a) && is_canonical(b);
   }
 
   bool is_canonical(const stretch& s) const {
