@@ -59,7 +59,8 @@ background background_of(const run_view& runs, const row_table& rows) {
 class partition {
  public:
   explicit partition(size_t n) : parents_(n) {
-    for (size_t i = 0; i < n; ++i) parents_[i] = i;
+    if (n > UINT32_MAX) throw_realloc_failed();
+    for (size_t i = 0; i < n; ++i) parents_[i] = static_cast<uint32_t>(i);
   }
   size_t first_of(size_t i) {
     while (parents_[i] != i) i = parents_[i] = parents_[parents_[i]];
@@ -68,11 +69,11 @@ class partition {
   void join(size_t a, size_t b) {
     a = first_of(a);
     b = first_of(b);
-    parents_[std::max(a, b)] = std::min(a, b);
+    parents_[std::max(a, b)] = static_cast<uint32_t>(std::min(a, b));
   }
 
  private:
-  std::vector<size_t> parents_;
+  std::vector<uint32_t> parents_;
 };
 
 // Joins the runs of two neighbouring rows that share a column, or with reach 1
@@ -126,7 +127,7 @@ class contour_finder {
         surrounding_(source.count) {}
 
   run_buffer find() {
-    run_buffer out(std::max<size_t>(source_.count, 1));
+    run_buffer out;
     size_t b = 0;  // the row's place in the background
     for (size_t r = 0; r < rows_.count(); ++r) {
       while (back_.rows[b] != source_.row(rows_.first(r))) ++b;
@@ -153,7 +154,8 @@ class contour_finder {
   // has it to its left.
   size_t surrounding_of(size_t i, size_t left) {
     const size_t first = components_.first_of(i);
-    if (first == i) surrounding_[i] = surroundings_.first_of(left);
+    if (first == i)
+      surrounding_[i] = static_cast<uint32_t>(surroundings_.first_of(left));
     return surrounding_[first];
   }
 
@@ -189,8 +191,8 @@ class contour_finder {
   const background back_;
   partition components_;
   partition surroundings_;
-  std::vector<size_t> surrounding_;  // by a component's first run
-  std::vector<gap> found_;           // of the run at hand
+  std::vector<uint32_t> surrounding_;  // by a component's first run
+  std::vector<gap> found_;             // of the run at hand
 };
 
 }  // namespace
