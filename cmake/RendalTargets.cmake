@@ -13,6 +13,9 @@ if(RENDAL_SANITIZE)
   target_compile_options(rendal_options INTERFACE
     -fsanitize=${RENDAL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(rendal_options INTERFACE -fsanitize=${RENDAL_SANITIZE})
+  # GCC takes its own instrumentation of the standard library for a mistake.
+  target_compile_options(rendal_options INTERFACE
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 if(MINGW)
   target_compile_definitions(rendal_options INTERFACE
