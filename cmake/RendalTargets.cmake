@@ -45,6 +45,7 @@ function(rendal_test name)
     list(APPEND properties RESOURCE_LOCK display)
   endif()
   gtest_discover_tests(${name}
+    NO_PRETTY_VALUES
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
     PROPERTIES ${properties})
