@@ -60,8 +60,8 @@ while [ $# -gt 0 ]; do
   esac
   shift
 done
-# The coins stand out of their background from here on.
-min=${min:-108}
+# The dialog's own band; every coin stands out of the background in it.
+min=${min:-128}
 max=${max:-255}
 [ "$min" -le "$max" ] || usage_error "--min $min is above --max $max"
 if [ -n "$image" ]; then
