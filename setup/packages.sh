@@ -13,7 +13,7 @@
 native_why="compilers and libraries of the Linux build"
 native=(
   build-essential cmake ninja-build pkg-config git ca-certificates
-  libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev
+  libopencv-dev
   libtbb-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
   googletest libbenchmark-dev
 )
