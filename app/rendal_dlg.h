@@ -15,6 +15,7 @@
 #include "controls/num_spin_ctrl.h"
 #include "res/resource.h"
 #include "tools/blob_tool.h"
+#include "tools/caliper_tool.h"
 #include "tools/status.h"
 #include "tools/workbench.h"
 
@@ -108,6 +109,7 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
 
   rendal::GrayBand ReadGrayBand() const;
   rendal::OperationParameters ReadOperationParameters() const;
+  rendal::CaliperParameters ReadCaliperParameters() const;
   void ShowStatus(const rendal::Status& status);
 
   HICON m_hIcon;

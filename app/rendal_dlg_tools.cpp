@@ -6,6 +6,7 @@
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
+#include "tools/line_finder.h"
 
 namespace ui_text = rendal::ui_text;
 
@@ -76,6 +77,23 @@ void CRendalDlg::ApplyOperation(rendal::RegionOperation operation) {
 
 void CRendalDlg::OnElementChanged() { UpdateElementControls(); }
 
-void CRendalDlg::OnMeasure() {}
+rendal::CaliperParameters CRendalDlg::ReadCaliperParameters() const {
+  CString selection;
+  m_selection.GetLBText(m_selection.GetCurSel(), selection);
+  return {m_length.GetPos(),
+          m_width.GetPos(),
+          m_amplitude.GetPos(),
+          m_sigma.GetPos(),
+          m_reps.GetPos(),
+          m_count.GetPos32(),
+          rendal::ScanDirection(m_direction.GetCurSel()),
+          CStringA(selection).GetString()};
+}
 
-void CRendalDlg::OnFindLine() {}
+void CRendalDlg::OnMeasure() {
+  rendal::Measure(*this, ReadCaliperParameters());
+}
+
+void CRendalDlg::OnFindLine() {
+  rendal::FindLine(*this, m_findLineDisplay.GetCurSel());
+}

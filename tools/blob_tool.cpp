@@ -177,10 +177,7 @@ Status Threshold(Workbench& workbench, GrayBand band) {
   if (band.min > band.max) {
     return messages::BandReversed(workbench.m_language, band.min, band.max);
   }
-  // Region operations take rows without padding.
-  cv::Mat image = workbench.m_srcImage.isContinuous()
-                      ? workbench.m_srcImage
-                      : workbench.m_srcImage.clone();
+  cv::Mat image = workbench.ImageWithoutPadding();
   region result;
   int64_t start = SteadyNanoseconds();
   RunThreshold(workbench.m_parallelMode, image, band, &result);

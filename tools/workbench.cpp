@@ -2,6 +2,7 @@
 #include "tools/workbench.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/blob_tool.h"
 
@@ -9,6 +10,10 @@ namespace rendal {
 
 Workbench::Workbench() : m_roiShapes(InitialShapes()) {
   m_regionHistory.reserve(kHistoryLength + 1);
+}
+
+cv::Mat Workbench::ImageWithoutPadding() const {
+  return m_srcImage.isContinuous() ? m_srcImage : m_srcImage.clone();
 }
 
 const RoiShape* Workbench::CurrentShape() const {
@@ -20,6 +25,15 @@ const RoiShape* Workbench::CurrentShape() const {
 
 RoiShape* Workbench::CurrentShape() {
   return const_cast<RoiShape*>(std::as_const(*this).CurrentShape());
+}
+
+void Workbench::ShowResult(Result result) {
+  std::vector<Result> results;
+  results.push_back(std::move(result));
+  m_results.swap(results);
+  m_regionOverlay.clear();
+  m_hideResults = 0;
+  RequestRedraw();
 }
 
 std::vector<RoiShape> InitialShapes() {

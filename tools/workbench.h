@@ -8,12 +8,12 @@
 #ifndef RENDAL_TOOLS_WORKBENCH_H_
 #define RENDAL_TOOLS_WORKBENCH_H_
 
-#include <array>
 #include <cstdint>
 #include <opencv2/core.hpp>
 #include <vector>
 
 #include "region/region.h"
+#include "tools/measurement_library.h"
 #include "tools/region_overlay.h"
 
 namespace rendal {
@@ -43,9 +43,6 @@ struct RoiShape {
   uint8_t kind;
   float values[5];
 };
-
-// Centre x, centre y, angle, half length along and across the scan.
-using MeasureRectangle = std::array<float, 5>;
 
 // Kinds of ShapeEntry.
 enum ShapeKind : uint8_t {
@@ -94,15 +91,26 @@ struct Workbench {
   std::vector<vexo::region> m_regionHistory;
   RegionOverlay m_regionOverlay;
 
+  // What measures; tests put functions of their own here.
+  MeasurementLibrary m_measurementLibrary = LinkedMeasurementLibrary();
+
   // Whether m_srcImage can be worked on. A refused two-channel image stays in
   // m_srcImage but no tool touches it.
   bool HasImage() const {
     return !m_srcImage.empty() && m_srcImage.type() == CV_8UC1;
   }
 
+  // The image as the libraries take it: rows follow one another without a gap.
+  // Shares the pixels of m_srcImage unless that is a part of a larger image.
+  cv::Mat ImageWithoutPadding() const;
+
   // The shape of the current tool mode; null in mode "none".
   RoiShape* CurrentShape();
   const RoiShape* CurrentShape() const;
+
+  // Makes a measurement's record the only result, shown from the next refresh
+  // on in place of the region overlay. If memory runs out nothing changes.
+  void ShowResult(Result result);
 
   // Asks for a picture.
   void RequestRedraw() { m_redraw = 1; }

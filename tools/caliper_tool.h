@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+//
+// What the measure button does, without the button: one caliper measurement
+// along the region of interest of the current tool mode.
+#ifndef RENDAL_TOOLS_CALIPER_TOOL_H_
+#define RENDAL_TOOLS_CALIPER_TOOL_H_
+
+#include <string>
+
+#include "tools/workbench.h"
+
+namespace rendal {
+
+// The caliper group's controls, in their order, with their defaults.
+struct CaliperParameters {
+  double length = 40;     // of each rectangle, along its scan [image px]
+  double width = 20;      // across its scan; the band's width [image px]
+  double amplitude = 20;  // smallest step that counts [grey levels]
+  double sigma = 1;       // smoothing [image px]
+  double reps = 2;        // how far from the fit points still count
+  int count = 0;          // of rectangles; 0: as many as fit side by side
+  int direction = +1;     // see ScanDirection()
+  std::string selection = "first+";
+};
+
+// Direction combo: its first item scans one way, any other the other way.
+inline int ScanDirection(int index) { return index == 0 ? +1 : -1; }
+
+// Measures, prints the fitted shape (line, circle, ellipse) or every edge
+// (band) below the time that the library took, and leaves one record as the
+// only result, shown with the next refresh instead of the region overlay.
+//
+// Without an image or in mode "none" nothing happens at all. No answer of the
+// library is checked: a fit that failed leaves zeros, which are printed and
+// draw nothing. Library memory is released before this returns. When it throws
+// (out of memory), results and overlay are as they were.
+void Measure(Workbench& workbench, const CaliperParameters& parameters);
+
+// Degrees of a fitted line from its direction components: 0 for (1, 0),
+// counter-clockwise on screen, in (-180, 180].
+double LineAngle(double direction1, double direction2);
+
+}  // namespace rendal
+
+#endif  // RENDAL_TOOLS_CALIPER_TOOL_H_
