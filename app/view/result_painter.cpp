@@ -26,6 +26,10 @@ constexpr int kMarkerRadiusPx = 2;
 constexpr int kMarkerCircleThickness = 2;
 constexpr double kNumberScalePerZoom = 0.0625;
 
+// Fitted shapes are drawn from positions this fine, 1/64 view pixel: rounding
+// their points first and their pixels again would move them by up to a pixel.
+constexpr int kFractionBits = 6;
+
 template <typename Values>
 bool AllFinite(const Values& values) {
   return std::all_of(std::begin(values), std::end(values),
@@ -42,6 +46,11 @@ void DrawSegment(cv::Mat& picture, cv::Point2f from, cv::Point2f to,
                  const cv::Scalar& color) {
   cv::line(picture, NearestPixel(from), NearestPixel(to), color, kThickness,
            kEightConnected);
+}
+
+cv::Point WithFraction(cv::Point2f at) {
+  constexpr int kParts = 1 << kFractionBits;
+  return {RoundToInt(at.x * kParts), RoundToInt(at.y * kParts)};
 }
 
 // Narrows [*first, *last] to the t for which `start + t * step` lies in
@@ -72,15 +81,18 @@ void DrawFittedLine(const float (&values)[5], const ViewState& view,
     return cv::Point2f(static_cast<float>(center.x + t * dx),
                        static_cast<float>(center.y + t * dy));
   };
-  DrawSegment(picture, at(first), at(last), kFitColor);
+  cv::line(picture, WithFraction(at(first)), WithFraction(at(last)), kFitColor,
+           kThickness, kEightConnected, kFractionBits);
 }
 
 void DrawFittedEllipse(cv::Point2f center, float half_axis1, float half_axis2,
                        float angle, const ViewState& view, cv::Mat& picture) {
-  cv::polylines(picture,
-                EllipseOutline(center, half_axis1 * view.zoom,
-                               half_axis2 * view.zoom, angle),
-                true, kFitColor, kThickness, kEightConnected);
+  const std::vector<cv::Point2f> outline = EllipseOutline(
+      center, half_axis1 * view.zoom, half_axis2 * view.zoom, angle);
+  std::vector<cv::Point> corners(outline.size());
+  std::transform(outline.begin(), outline.end(), corners.begin(), WithFraction);
+  cv::polylines(picture, corners, true, kFitColor, kThickness, kEightConnected,
+                kFractionBits);
 }
 
 void DrawNumber(const float (&values)[5], const ViewState& view,

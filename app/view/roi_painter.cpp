@@ -34,14 +34,23 @@ void DrawArrow(cv::Mat& picture, cv::Point2f from, cv::Point2f to, double tip) {
                   kRoiThickness, kEightConnected, 0, tip);
 }
 
-void DrawPolygon(cv::Mat& picture, const std::vector<cv::Point>& points,
+void DrawPolygon(cv::Mat& picture, const std::vector<cv::Point>& corners,
                  const cv::Scalar& color) {
-  cv::polylines(picture, points, true, color, kRoiThickness, kEightConnected);
+  cv::polylines(picture, corners, true, color, kRoiThickness, kEightConnected);
+}
+
+void DrawEllipse(cv::Mat& picture, cv::Point2f center, float half_axis1,
+                 float half_axis2, float angle, const cv::Scalar& color) {
+  const std::vector<cv::Point2f> outline =
+      EllipseOutline(center, half_axis1, half_axis2, angle);
+  std::vector<cv::Point> corners(outline.size());
+  std::transform(outline.begin(), outline.end(), corners.begin(), NearestPixel);
+  DrawPolygon(picture, corners, color);
 }
 
 void DrawCircle(cv::Mat& picture, cv::Point2f center, float radius,
                 const cv::Scalar& color) {
-  DrawPolygon(picture, EllipseOutline(center, radius, radius, 0), color);
+  DrawEllipse(picture, center, radius, radius, 0, color);
 }
 
 void DrawCross(cv::Mat& picture, cv::Point2f center, float half_length) {
@@ -98,8 +107,7 @@ void DrawRoiEllipse(const RoiShape& shape, const ViewState& view,
                     cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f center = view.ToView(v[0], v[1]);
-  DrawPolygon(picture,
-              EllipseOutline(center, v[3] * view.zoom, v[4] * view.zoom, v[2]),
+  DrawEllipse(picture, center, v[3] * view.zoom, v[4] * view.zoom, v[2],
               kRoiColor);
   DrawCross(picture, center, kEllipseCrossPx);
   const double radians = v[2] / 180 * std::numbers::pi;
@@ -121,8 +129,8 @@ cv::Point NearestPixel(cv::Point2f at) {
           std::clamp(RoundToInt(at.y), -kLimit, kLimit)};
 }
 
-std::vector<cv::Point> EllipseOutline(cv::Point2f center, float half_axis1,
-                                      float half_axis2, float angle) {
+std::vector<cv::Point2f> EllipseOutline(cv::Point2f center, float half_axis1,
+                                        float half_axis2, float angle) {
   constexpr double kPi = std::numbers::pi;
   const double a = half_axis1;
   const double b = half_axis2;
@@ -132,14 +140,13 @@ std::vector<cv::Point> EllipseOutline(cv::Point2f center, float half_axis1,
                                                 1.0 * kMaxOutlinePoints));
   const double c = std::cos(angle / 180 * kPi);
   const double s = std::sin(angle / 180 * kPi);
-  std::vector<cv::Point> points(count);
+  std::vector<cv::Point2f> points(count);
   for (int i = 0; i < count; ++i) {
     const double t = 2 * kPi * i / count;
     const double along = a * std::cos(t);
     const double across = b * std::sin(t);
-    points[i] =
-        NearestPixel({static_cast<float>(center.x + along * c - across * s),
-                      static_cast<float>(center.y - along * s - across * c)});
+    points[i] = {static_cast<float>(center.x + along * c - across * s),
+                 static_cast<float>(center.y - along * s - across * c)};
   }
   return points;
 }

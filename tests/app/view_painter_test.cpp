@@ -345,12 +345,12 @@ TEST(EllipseOutline, HasAPointPerTwoViewPixelsWithinBounds) {
 TEST(EllipseOutline, PointsLieOnTheTurnedEllipse) {
   for (const float angle : {0.0f, 30.0f, -77.0f, 180.0f}) {
     const double t = angle * 0.017453292519943295;
-    for (const cv::Point& p : EllipseOutline({500, 400}, 300, 100, angle)) {
+    for (const cv::Point2f& p : EllipseOutline({500, 400}, 300, 100, angle)) {
       const double x = p.x - 500;
       const double y = -(p.y - 400);
       const double along = x * std::cos(t) + y * std::sin(t);
       const double across = -x * std::sin(t) + y * std::cos(t);
-      EXPECT_NEAR(std::hypot(along / 300, across / 100), 1, 0.01);
+      EXPECT_NEAR(std::hypot(along / 300, across / 100), 1, 1e-5);
     }
   }
 }

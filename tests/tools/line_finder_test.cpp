@@ -78,7 +78,7 @@ TEST_F(LineFinder, PrintsCountsCodesAndEveryEdge) {
             "i =   1, x =   10.5000, y =   11.2500, amp = -120.1250\n");
 }
 
-TEST_F(LineFinder, EveryDisplayMeasuresAndPrintsTheSame) {
+TEST_F(LineFinder, FirstDisplayStillMeasuresEveryEdge) {
   library.edges = {{1, 2, 30}};
   const std::string text = Press(kShowSegment);
   const Calls calls = library.calls;
