@@ -275,11 +275,15 @@ std::vector<double> time_in_turns(
   return medians;
 }
 
-Table::Table(const std::string& title) {
-  std::printf("\n### %s\n\n", title.c_str());
-  std::printf(
-      "| image | class | threads | ours ms | best peer ms | peer | "
-      "ratio | goal |\n|---|---|---|---|---|---|---|---|\n");
+Table::Table(const std::string& title, const Options& options)
+    : threads_(options.threads), reached_(options.threads.size()) {
+  std::printf("\n### %s\n\n| image | class |", title.c_str());
+  for (const int n : threads_)
+    std::printf(" %d thread%s: ours ms | peer ms | ratio |", n,
+                n == 1 ? "" : "s");
+  std::printf(" goal |\n|---|---|");
+  for (size_t i = 0; i < threads_.size(); ++i) std::printf("---|---|---|");
+  std::printf("---|\n");
 }
 
 void Table::add(const Picture& picture, int threads,
@@ -290,17 +294,25 @@ void Table::add(const Picture& picture, int threads,
   const auto index = static_cast<size_t>(best - medians.begin()) - 1;
   const double ratio = *best / medians[0];
   const double goal = goals[class_index(picture.density)];
-  std::printf("| %s | %c | %d | %.4f | %.4f | %s | %s%.2f%s | %g |\n",
-              picture.name.c_str(), picture.density, threads, medians[0], *best,
-              peers[index].c_str(), ratio >= goal ? "**" : "", ratio,
-              ratio >= goal ? "**" : "", goal);
+  const char* bold = ratio >= goal ? "**" : "";
+  if (threads == threads_.front()) {
+    std::printf("| %s | %c |", picture.name.c_str(), picture.density);
+    ++pictures_;
+  }
+  std::printf(" %.3g | %.3g %s | %s%.2f%s |", medians[0], *best,
+              peers[index].c_str(), bold, ratio, bold);
+  const auto column = std::find(threads_.begin(), threads_.end(), threads);
+  reached_[static_cast<size_t>(column - threads_.begin())] += ratio >= goal;
+  if (threads == threads_.back()) std::printf(" %g |\n", goal);
   std::fflush(stdout);
-  ++rows_;
-  reached_ += ratio >= goal;
 }
 
 Table::~Table() {
-  std::printf("\n%d of %d rows reach their goal.\n", reached_, rows_);
+  for (size_t i = 0; i < threads_.size(); ++i)
+    std::printf("%s%d thread%s: %d of %d goals", i == 0 ? "\n" : "; ",
+                threads_[i], threads_[i] == 1 ? "" : "s", reached_[i],
+                pictures_);
+  std::printf(".\n");
 }
 
 }  // namespace bench

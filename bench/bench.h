@@ -71,11 +71,14 @@ cv::Mat to_mask(PIX* binary);
 std::vector<double> time_in_turns(
     const std::vector<std::function<void()>>& candidates, int budget_ms);
 
-// Markdown table: picture, class, threads, ours, best peer, ratio, goal.
+// Markdown table, a line for each picture: class, then ours, best peer and
+// ratio for each number of threads, goal. How many pictures reach the goal
+// follows, for each number of threads.
 class Table {
  public:
-  explicit Table(const std::string& title);
-  // Goals for S, M, D, X; peer names go with the medians after ours.
+  Table(const std::string& title, const Options& options);
+  // A picture's numbers of threads come one after the other, as in the
+  // options. Goals for S, M, D, X; peer names go with the medians after ours.
   void add(const Picture& picture, int threads,
            const std::vector<double>& medians,
            const std::vector<std::string>& peers,
@@ -83,8 +86,9 @@ class Table {
   ~Table();
 
  private:
-  int rows_ = 0;
-  int reached_ = 0;
+  std::vector<int> threads_;
+  std::vector<int> reached_;
+  int pictures_ = 0;
 };
 
 }  // namespace bench

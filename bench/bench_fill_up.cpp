@@ -1,33 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
 // Hole filling, each in its own form: runs, mask, one bit a pixel.
-#include <opencv2/imgproc.hpp>
-
 #include "bench/bench.h"
+#include "bench/peers.h"
 #include "region/operations.h"
 
 namespace {
-
-// Floods the background from a border of one pixel and inverts what is reached.
-void cv_fill(const cv::Mat& mask, cv::Mat* padded, cv::Mat* filled) {
-  cv::copyMakeBorder(mask, *padded, 1, 1, 1, 1, cv::BORDER_CONSTANT, 0);
-  cv::floodFill(*padded, cv::Point(0, 0), 128, nullptr, 0, 0, 4);
-  cv::compare((*padded)(cv::Rect(1, 1, mask.cols, mask.rows)), 128, *filled,
-              cv::CMP_NE);
-}
-
-bench::Pix lept_fill(PIX* binary) {
-  bench::Pix holes(pixHolesByFilling(binary, 4));
-  pixOr(holes.get(), holes.get(), binary);
-  return holes;
-}
 
 using Form = void (*)(vexo::region&, vexo::region*);
 
 void measure(const char* title, Form form, bool chords,
              const bench::Options& options,
              const std::vector<bench::Picture>& pictures) {
-  bench::Table table(title);
+  bench::Table table(title, options);
   for (const bench::Picture& p : pictures) {
     cv::Mat gray = p.gray.clone();
     const cv::Mat mask = bench::mask_of(p);
@@ -40,19 +25,19 @@ void measure(const char* title, Form form, bool chords,
       bench::use_threads(threads);
       vexo::region ours;
       form(input, &ours);
-      cv_fill(mask, &padded, &filled);
+      bench::cv_fill(mask, &padded, &filled);
       const cv::Mat drawn = chords ? bench::mask_of_chords(ours, mask.size())
                                    : bench::mask_of_runs(ours, mask.size());
       bench::expect_equal(drawn, filled, p.name);
-      bench::expect_equal(bench::to_mask(lept_fill(pix.get()).get()), filled,
-                          p.name + " (peers)");
+      bench::expect_equal(bench::to_mask(bench::lept_fill(pix.get()).get()),
+                          filled, p.name + " (peers)");
       const auto medians =
           bench::time_in_turns({[&] {
                                   vexo::region result;
                                   form(input, &result);
                                 },
-                                [&] { cv_fill(mask, &padded, &filled); },
-                                [&] { lept_fill(pix.get()); }},
+                                [&] { bench::cv_fill(mask, &padded, &filled); },
+                                [&] { bench::lept_fill(pix.get()); }},
                                options.budget_ms);
       table.add(p, threads, medians, {"OpenCV", "Leptonica"}, {8, 3, 1.5, 0.7});
     }

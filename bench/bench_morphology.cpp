@@ -3,11 +3,13 @@
 // Morphology, each in its own form: runs, mask, one bit a pixel, and OpenCV's
 // contributed run-length morphology. --rows TEXT keeps the rows whose title
 // holds TEXT.
+#include <algorithm>
 #include <cstring>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/ximgproc/run_length_morphology.hpp>
 
 #include "bench/bench.h"
+#include "bench/peers.h"
 #include "region/operations.h"
 
 namespace {
@@ -20,30 +22,23 @@ struct Element {
   vexo::region runs;
   cv::Mat mask;
   cv::Mat run_length;
-  SEL* sel = nullptr;
+  bench::Sel sel;
   int brick = 0;  // side of a square, 0 for other shapes
 };
 
 Element element_of(const std::string& name, const vexo::region& runs) {
-  Element e{name, runs, {}, {}, nullptr, 0};
-  int top = runs.rows[0], left = 0, right = 0;
-  for (size_t i = 0; i < runs.run_count; ++i) {
-    left = i == 0 ? runs.col_begins[i] : std::min(left, runs.col_begins[i]);
-    right = std::max(right, runs.col_ends[i]);
-  }
-  const int height = runs.rows[runs.run_count - 1] - top + 1;
-  e.mask = cv::Mat::zeros(height, right - left + 1, CV_8U);
-  e.sel = selCreate(height, right - left + 1, nullptr);
-  selSetOrigin(e.sel, height / 2, (right - left + 1) / 2);
+  Element e{name, runs, bench::mask_of_element(runs), {}, {}, 0};
+  e.sel = bench::sel_of_element(e.mask);
+  const int bottom = runs.rows[runs.run_count - 1];
+  const int middle_row = (runs.rows[0] + bottom) / 2;
+  const int left =
+      *std::min_element(runs.col_begins, runs.col_begins + runs.run_count);
+  const int middle_col = left + e.mask.cols / 2;
   std::vector<cv::Point3i> points;
   for (size_t i = 0; i < runs.run_count; ++i) {
-    for (int c = runs.col_begins[i]; c <= runs.col_ends[i]; ++c) {
-      e.mask.at<uchar>(runs.rows[i] - top, c - left) = 1;
-      selSetElement(e.sel, runs.rows[i] - top, c - left, SEL_HIT);
-    }
-    points.push_back({runs.col_begins[i] - (left + right) / 2,
-                      runs.col_ends[i] - (left + right) / 2,
-                      runs.rows[i] - top - height / 2});
+    points.push_back({runs.col_begins[i] - middle_col,
+                      runs.col_ends[i] - middle_col,
+                      runs.rows[i] - middle_row});
   }
   rl::createRLEImage(points, e.run_length, e.mask.size());
   return e;
@@ -136,7 +131,7 @@ void cv_apply(const cv::Mat& in, int op, const Element& e, cv::Mat* out) {
 PIX* lept_apply(PIX* in, const Operation& op, const Element& e) {
   if (e.brick > 0 && op.lept_brick != nullptr)
     return op.lept_brick(nullptr, in, e.brick, e.brick);
-  return op.lept(nullptr, in, e.sel);
+  return op.lept(nullptr, in, e.sel.get());
 }
 
 void rl_apply(const cv::Mat& in, int op, const Element& e, cv::Mat* out) {
@@ -169,9 +164,9 @@ void measure(const Operation& op, const Element& e,
              const std::string& rows) {
   const std::string title = std::string(op.name) + ", " + e.name;
   if (title.find(rows) == std::string::npos) return;
-  bench::Table table(title);
-  const bool composed = op.cv_op != cv::MORPH_DILATE &&
-                        op.cv_op != cv::MORPH_ERODE;
+  bench::Table table(title, options);
+  const bool composed =
+      op.cv_op != cv::MORPH_DILATE && op.cv_op != cv::MORPH_ERODE;
   for (const bench::Picture& p : pictures) {
     const Source s = source_of(p, composed ? e.mask.rows : 0);
     cv::Mat mask, run_length;
@@ -208,8 +203,7 @@ void measure_boundary(const char* type, const Operation& op,
   const std::string title = std::string(type) + " boundary";
   if (title.find(rows) == std::string::npos) return;
   const Element e = cross(3);
-  const bool inner = op.cv_op == cv::MORPH_ERODE;
-  bench::Table table(title);
+  bench::Table table(title, options);
   for (const bench::Picture& p : pictures) {
     const Source s = source_of(p, 0);
     cv::Mat mask;
@@ -222,7 +216,6 @@ void measure_boundary(const char* type, const Operation& op,
       pixXor(out.get(), out.get(), s.pix.get());
       return out;
     };
-    (void)inner;
     for (const int threads : options.threads) {
       bench::use_threads(threads);
       vexo::region ours;
@@ -231,10 +224,10 @@ void measure_boundary(const char* type, const Operation& op,
       bench::expect_equal(drawn(ours, s.mask.size()), mask, p.name);
       bench::expect_equal(bench::to_mask(lept_boundary().get()), mask,
                           p.name + " (peers)");
-      const auto medians = bench::time_in_turns(
-          {[&] { vexo::boundary(s.runs, &ours, type); }, cv_boundary,
-           [&] { lept_boundary(); }},
-          options.budget_ms);
+      const auto medians =
+          bench::time_in_turns({[&] { vexo::boundary(s.runs, &ours, type); },
+                                cv_boundary, [&] { lept_boundary(); }},
+                               options.budget_ms);
       table.add(p, threads, medians, {"OpenCV", "Leptonica"},
                 {5, 1.5, 0.5, 0.4});
     }

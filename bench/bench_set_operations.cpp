@@ -57,9 +57,14 @@ vexo::region region_of(const cv::Mat& mask) {
 void measure(const Operation& op, const bench::Options& options,
              const std::vector<bench::Picture>& pictures) {
   std::printf("\n### %s\n\n", op.name);
-  std::printf(
-      "| image | class | threads | ours ms | best peer ms | peer | ratio | ns "
-      "per run | goal |\n|---|---|---|---|---|---|---|---|---|\n");
+  std::printf("| image | class |");
+  for (const int n : options.threads)
+    std::printf(" %d thread%s: ours ms | peer ms | ratio | ns per run |", n,
+                n == 1 ? "" : "s");
+  std::printf(" goal |\n|---|---|");
+  for (size_t i = 0; i < options.threads.size(); ++i)
+    std::printf("---|---|---|---|");
+  std::printf("---|\n");
   for (const bench::Picture& p : pictures) {
     const cv::Mat mask = bench::mask_of(p);
     const cv::Mat other = moved(mask);
@@ -71,6 +76,8 @@ void measure(const Operation& op, const bench::Options& options,
     op.cv(mask, other, &expected);
     const bench::Pix expected_pix(op.lept(nullptr, pix.get(), other_pix.get()));
     bench::expect_equal(bench::to_mask(expected_pix.get()), expected, p.name);
+    const double goal = p.density == 'S' ? 1.2 : 3;
+    std::printf("| %s | %c |", p.name.c_str(), p.density);
     for (const int threads : options.threads) {
       bench::use_threads(threads);
       vexo::region ours;
@@ -87,13 +94,14 @@ void measure(const Operation& op, const bench::Options& options,
           options.budget_ms);
       const bool cv_wins = medians[1] < medians[2];
       const double peer = cv_wins ? medians[1] : medians[2];
-      std::printf("| %s | %c | %d | %.4f | %.4f | %s | %.2f | %.2f | %s |\n",
-                  p.name.c_str(), p.density, threads, medians[0], peer,
-                  cv_wins ? "OpenCV" : "Leptonica", peer / medians[0],
-                  1e6 * medians[0] / runs,
-                  p.density == 'S' ? "1.2 ns" : "3 ns");
+      const double ns = 1e6 * medians[0] / runs;
+      const char* bold = ns <= goal ? "**" : "";
+      std::printf(" %.3g | %.3g %s | %.2f | %s%.2f%s |", medians[0], peer,
+                  cv_wins ? "OpenCV" : "Leptonica", peer / medians[0], bold, ns,
+                  bold);
       std::fflush(stdout);
     }
+    std::printf(" %g ns |\n", goal);
   }
 }
 

@@ -12,7 +12,7 @@ using Form = void (*)(unsigned char*, int, int, int, int, vexo::region*);
 
 void measure(const char* title, Form form, const bench::Options& options,
              const std::vector<bench::Picture>& pictures) {
-  bench::Table table(title);
+  bench::Table table(title, options);
   for (const bench::Picture& p : pictures) {
     cv::Mat gray = p.gray.clone(), mask;
     vexo::region ours;
