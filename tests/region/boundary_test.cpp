@@ -126,7 +126,7 @@ TEST(Boundary, InnerFilledFollowsTheRunsNotThePixels) {
 }
 
 TEST(Boundary, AgreesWithThePixelOracle) {
-  for (uint64_t seed = 0; seed < 2000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(2000); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const PixelSet pixels = random_pixels(random);
@@ -140,7 +140,7 @@ TEST(Boundary, AgreesWithThePixelOracle) {
 
 TEST(Boundary, DenseAndSparseRowsThreadsAndVectorWidthsAgree) {
   using vexo::internal::vector_level;
-  for (uint64_t seed = 0; seed < 20; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(20); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     Runs runs;
@@ -184,7 +184,7 @@ TEST(Boundary, OuterBeyond32BitsThrowsAndLeavesTheOutputAsItWas) {
 }
 
 TEST(Boundary, InnerFilledIsWhatAWalkAroundEachComponentVisits) {
-  for (uint64_t seed = 0; seed < 1500; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(1500); ++seed) {
     SCOPED_TRACE(seed);
     const region source = picture(random_picture(seed, 24));
     if (source.run_count == 0) continue;

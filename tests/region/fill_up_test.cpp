@@ -173,7 +173,7 @@ TEST_P(FillUp, FillsOnlyItsOwnForm) {
 }
 
 TEST_P(FillUp, AgreesWithPixelOracle) {
-  for (uint64_t seed = 0; seed < 2000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(2000); ++seed) {
     SCOPED_TRACE(seed);
     const Picture p = vexo_test::random_picture(seed);
     vexo::internal::set_thread_limit(1 + seed % 5);

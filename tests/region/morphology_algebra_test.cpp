@@ -81,7 +81,7 @@ Runs inner_frame() {
 }
 
 TEST(MorphologyAlgebra, ReferenceFormsAreDualInsideAFrame) {
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     Case c = random_case(seed);
     region source = region_of(c.source);
@@ -96,7 +96,7 @@ TEST(MorphologyAlgebra, ReferenceFormsAreDualInsideAFrame) {
 
 TEST(MorphologyAlgebra, ErosionAnswersDilation) {
   // a dilated lies in b exactly if a lies in b eroded.
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     const Case c = random_case(seed);
     const Runs dilated = dilate(c.source, c.element);
@@ -109,7 +109,7 @@ TEST(MorphologyAlgebra, ErosionAnswersDilation) {
 }
 
 TEST(MorphologyAlgebra, BothAreMonotonic) {
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     const Case c = random_case(seed);
     const Runs larger = unite(c.source, c.other);
@@ -120,7 +120,7 @@ TEST(MorphologyAlgebra, BothAreMonotonic) {
 }
 
 TEST(MorphologyAlgebra, BothMoveWithTheirSource) {
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     const Case c = random_case(seed);
     for (const auto& [rows, columns] :
@@ -135,7 +135,7 @@ TEST(MorphologyAlgebra, BothMoveWithTheirSource) {
 }
 
 TEST(MorphologyAlgebra, DilationDistributesOverUnionErosionOverIntersection) {
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     const Case c = random_case(seed);
     ASSERT_EQ(dilate(unite(c.source, c.other), c.element),
@@ -148,7 +148,7 @@ TEST(MorphologyAlgebra, DilationDistributesOverUnionErosionOverIntersection) {
 }
 
 TEST(MorphologyAlgebra, BothFormsAgreeForSymmetricElements) {
-  for (uint64_t seed = 0; seed < kCases; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(kCases); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     region source = region_of(random_pixels(random).runs());

@@ -43,7 +43,7 @@ Results results_of(const region& source, const region& element) {
 }
 
 TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
-  for (uint64_t seed = 0; seed < 2500; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(2500); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const PixelSet shape = random_element(random);
@@ -98,7 +98,7 @@ region large_region(uint64_t seed) {
 }
 
 TEST_F(MorphologyForms, AllFormsAndVectorWidthsAgreeOnLargeRegions) {
-  for (uint64_t seed = 0; seed < 40; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(40); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const region source = large_region(seed);
@@ -120,7 +120,7 @@ TEST_F(MorphologyForms, AllFormsAndVectorWidthsAgreeOnLargeRegions) {
 }
 
 TEST_F(MorphologyForms, EveryNumberOfThreadsGivesTheSame) {
-  for (uint64_t seed = 0; seed < 40; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(40); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed + 1000);
     const region source = large_region(seed);

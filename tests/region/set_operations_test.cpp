@@ -229,7 +229,7 @@ TEST(SetOperations, ReachBothEndsOfTheColumns) {
 }
 
 TEST(SetOperations, AgreeWithThePixelOracle) {
-  for (uint64_t seed = 0; seed < 3000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(3000); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const PixelSet a = random_pixels(random);
@@ -259,7 +259,7 @@ region large_region(Random& random) {
 
 TEST(SetOperations, FormsThreadsAndVectorWidthsAgreeOnLargeRegions) {
   using vexo::internal::vector_level;
-  for (uint64_t seed = 0; seed < 6; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(6); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     region a = large_region(random);
@@ -289,7 +289,7 @@ TEST(SetOperations, FormsThreadsAndVectorWidthsAgreeOnLargeRegions) {
 TEST(SetOperations, DeMorganInsideAFrame) {
   Runs frame;
   for (int row = -40; row <= 60; ++row) frame.push_back({row, -50, 150});
-  for (uint64_t seed = 0; seed < 1000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(1000); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const Runs a = random_pixels(random).runs();
@@ -303,7 +303,7 @@ TEST(SetOperations, DeMorganInsideAFrame) {
 }
 
 TEST(SetOperations, AreDistributiveAndCommutative) {
-  for (uint64_t seed = 0; seed < 1000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(1000); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const Runs a = random_pixels(random).runs();

@@ -106,7 +106,7 @@ TEST_P(Threshold, EmptyImageGivesNoRuns) {
 }
 
 TEST_P(Threshold, AgreesWithPixelOracle) {
-  for (uint64_t seed = 0; seed < 3000; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(3000); ++seed) {
     SCOPED_TRACE(seed);
     const Picture p = vexo_test::random_picture(seed);
     Random random(seed + 77);
