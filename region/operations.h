@@ -95,7 +95,7 @@ void fill_up_y2(const region& input, region* result);
 //              possible, whatever the inputs were.
 //   Unchanged  If either input has children.
 //   Cost       O(runs). The _y forms work on pieces of rows side by side, and
-//              merge dense rows as bits (64 pixels a step).
+//              merge 16 runs a step, whatever the picture.
 //
 //      first   ##.####.#      union  difference  intersection
 //      second  .###..##.   #########  #...##..#     .#.#..#..

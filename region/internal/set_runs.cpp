@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// Both inputs are walked in stretches of whole rows. A sparse stretch is merged
-// run by run, which the branch predictor follows; in a dense one it cannot, and
-// the rows are combined as bits.
+// Both inputs are walked in stretches of whole rows, which are combined as
+// sorted keys: no branch depends on the picture. Careless runs and rows too
+// wide for keys are merged run by run.
 #include "region/internal/set_runs.h"
 
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
-#include "region/internal/bit_lines.h"
 #include "region/internal/bit_rows.h"
 #include "region/internal/parallel.h"
+#include "region/internal/run_keys.h"
 
 namespace vexo::internal {
 namespace {
@@ -30,6 +30,11 @@ struct stretch {
   int32_t begin() const { return runs.begins[first]; }
   int32_t end() const { return runs.ends[first]; }
 };
+
+run_view view_of(const stretch& s) {
+  return {s.runs.rows + s.first, s.runs.begins + s.first, s.runs.ends + s.first,
+          s.count()};
+}
 
 // Appends runs to room that is known to be large enough. The run that may
 // still grow is kept in hand.
@@ -83,9 +88,10 @@ void add_all(stretch a, writer* out) {
   for (; !a.done(); ++a.first) out->add(a.row(), a.begin(), a.end());
 }
 
-// Row and begin as one number.
+// Row and begin as one number; in the lowest row, too.
 int64_t place(const stretch& s) {
-  return int64_t{s.row()} * (int64_t{1} << 32) + s.begin();
+  return int64_t{s.row()} * (int64_t{1} << 32) +
+         (s.begin() - int64_t{INT32_MIN});
 }
 
 void unite(stretch a, stretch b, writer* out) {
@@ -132,53 +138,130 @@ void intersect(stretch a, stretch b, writer* out) {
   }
 }
 
-// Columns that both stretches take up together.
-struct columns {
-  int32_t min;
-  int32_t max;
-};
-
 class combination {
  public:
   explicit combination(set_operation operation)
-      : operation_(operation), k_(kernels()) {}
+      : operation_(operation), rows_(kernels()), keys_(current_key_kernels()) {}
 
   // Two stretches over the same rows.
-  void combine(stretch a, stretch b, run_buffer* out) const {
-    while (!a.done() || !b.done()) {
-      const stretch from_a = take_runs(&a);
-      const int64_t last_row =
-          a.done() ? INT64_MAX : a.runs.rows[from_a.last - 1];
-      combine_stretch(from_a, take_until(&b, last_row), out);
+  void combine(stretch a, stretch b, run_buffer* out) {
+    while (!a.done() && !b.done()) {
+      const int32_t row = std::min(likely_row(a), likely_row(b));
+      const stretch from_a = take_until(&a, row);
+      const stretch from_b = take_until(&b, row);
+      if (from_b.done()) {
+        if (operation_ != set_operation::intersect) append(from_a, out);
+      } else if (from_a.done()) {
+        if (operation_ == set_operation::unite) append(from_b, out);
+      } else if (!combine_keys(from_a, from_b, out)) {
+        combine_plain(from_a, from_b, out);
+      }
     }
+    if (operation_ != set_operation::intersect) append(a, out);
+    if (operation_ == set_operation::unite) append(b, out);
   }
 
  private:
-  // Takes some runs and the rest of their row from the front of *s.
-  stretch take_runs(stretch* s) const {
-    constexpr size_t kRuns = 1024;
-    const size_t first = s->first;
-    s->first = s->count() > kRuns
-                   ? k_.row_end(s->runs.rows, first + kRuns - 1, s->last)
-                   : s->last;
-    return {s->runs, first, s->first};
+  // Runs of either list that are combined at once, and the rest of their row.
+  static constexpr size_t kRuns = 512;
+
+  static int32_t likely_row(const stretch& s) {
+    return s.runs.rows[std::min(s.first + kRuns, s.last) - 1];
   }
 
-  // Takes the rows up to `row`.
-  static stretch take_until(stretch* s, int64_t row) {
+  // Takes the rows up to `row`, which is not above likely_row(*s).
+  stretch take_until(stretch* s, int32_t row) const {
     const size_t first = s->first;
     const int32_t* rows = s->runs.rows;
-    s->first = static_cast<size_t>(
-        std::upper_bound(rows + first, rows + s->last, row) - rows);
+    const size_t likely = std::min(first + kRuns, s->last);
+    s->first =
+        rows[likely - 1] <= row
+            ? rows_.row_end(rows, likely - 1, s->last)
+            : static_cast<size_t>(
+                  std::upper_bound(rows + first, rows + likely, row) - rows);
     return {s->runs, first, s->first};
   }
 
-  void combine_stretch(const stretch& a, const stretch& b,
-                       run_buffer* out) const {
-    if (as_bits(a, b)) {
-      combine_bits(a, b, out);
+  bool is_canonical(const stretch& s) const {
+    return rows_.are_canonical(s.runs.rows + s.first, s.runs.begins + s.first,
+                               s.runs.ends + s.first, s.count());
+  }
+
+  void append(const stretch& s, run_buffer* out) const {
+    if (!is_canonical(s)) {
+      writer w(out, s.count());
+      add_all(s, &w);
       return;
     }
+    const size_t n = out->size();
+    out->ensure(n + s.count());
+    std::copy_n(s.runs.rows + s.first, s.count(), out->rows() + n);
+    std::copy_n(s.runs.begins + s.first, s.count(), out->begins() + n);
+    std::copy_n(s.runs.ends + s.first, s.count(), out->ends() + n);
+    out->set_size(n + s.count());
+  }
+
+  // False, and nothing written, when a stretch is not canonical or too large
+  // for keys.
+  bool combine_keys(const stretch& a, const stretch& b, run_buffer* out) {
+    room_.ensure(3, a.count() + b.count() + 1);
+    const key_list of_a = room_.list(0, a.count());
+    const key_list of_b = room_.list(1, b.count());
+    if (!make_keys(a, b, of_a, of_b)) {
+      columns_ = {};
+      for (const stretch& s : {a, b}) keys_.widen(view_of(s), &columns_);
+      if (!columns_.frame(&frame_) || !make_keys(a, b, of_a, of_b))
+        return false;
+    }
+    if (!keys_.are_apart(of_a) || !keys_.are_apart(of_b)) return false;
+    const size_t n = out->size();
+    out->ensure(n + a.count() + b.count() + kRunSlack);
+    int32_t* rows = out->rows() + n;
+    int32_t* begins = out->begins() + n;
+    int32_t* ends = out->ends() + n;
+    size_t written;
+    if (operation_ == set_operation::unite) {
+      const key_list both = merged(of_a, of_b);
+      written = keys_.write_united(both, frame_, rows, begins, ends);
+    } else {
+      const bool common = operation_ == set_operation::intersect;
+      const key_list both = merged(of_a, common ? of_b : gaps_of(of_b));
+      written = keys_.write_common(both, 2, frame_, rows, begins, ends);
+    }
+    out->set_size(n + written);
+    return true;
+  }
+
+  // In the frame of the stretches before, as far as columns go. False when they
+  // lie outside.
+  bool make_keys(const stretch& a, const stretch& b, const key_list& of_a,
+                 const key_list& of_b) {
+    frame_.first_row = std::min(a.row(), b.row());
+    return keys_.make(view_of(a), frame_, of_a).within(frame_) &&
+           keys_.make(view_of(b), frame_, of_b).within(frame_);
+  }
+
+  key_list merged(const key_list& a, const key_list& b) {
+    const key_list both = room_.list(2, a.count + b.count);
+    keys_.merge(a, b, both);
+    return both;
+  }
+
+  // What lies between the runs, in their place.
+  static key_list gaps_of(const key_list& runs) {
+    // The begins move up by one place: they take the room of the ends.
+    for (size_t i = 0; i < runs.count; ++i) {
+      runs.begins[i] -= 1;
+      runs.ends[i] += 1;
+    }
+    const key_list gaps{runs.ends - 1, runs.begins, runs.count + 1};
+    gaps.begins[0] = 0;
+    gaps.ends[runs.count] = kLastKey - 1;
+    return gaps;
+  }
+
+  void combine_plain(const stretch& a, const stretch& b,
+                     run_buffer* out) const {
     writer w(out, a.count() + b.count());
     switch (operation_) {
       case set_operation::unite:
@@ -190,85 +273,12 @@ class combination {
     }
   }
 
-  // The one place where the form of a stretch is chosen: merging dense runs
-  // costs about 8 ns each, bits 1 ns and 4 ns for every word of the rows.
-  bool as_bits(const stretch& a, const stretch& b) const {
-    constexpr size_t kWorthwhile = 64;
-    if (a.count() < kWorthwhile || b.count() < kWorthwhile) return false;
-    const double rows = int64_t{a.runs.rows[a.last - 1]} - a.row() + 1.0;
-    const double merging = 7 * static_cast<double>(a.count() + b.count());
-    const auto bits = [&](double words) { return rows * (60 + 4 * words); };
-    if (merging < bits(kWordsPerBlock)) return false;
-    const columns span = columns_of(a, b);
-    return merging > bits(static_cast<double>(words_for(span.min, span.max))) &&
-           is_canonical(a) && is_canonical(b);
-  }
-
-  bool is_canonical(const stretch& s) const {
-    return k_.are_canonical(s.runs.rows + s.first, s.runs.begins + s.first,
-                            s.runs.ends + s.first, s.count());
-  }
-
-  columns columns_of(const stretch& a, const stretch& b) const {
-    columns c{INT32_MAX, INT32_MIN};
-    for (const stretch* s : {&a, &b})
-      k_.span(s->runs.begins + s->first, s->runs.ends + s->first, s->count(),
-              &c.min, &c.max);
-    return c;
-  }
-
-  void combine_bits(stretch a, stretch b, run_buffer* out) const {
-    const columns span = columns_of(a, b);
-    const size_t words = words_for(span.min, span.max);
-    const bit_lines lines(2, words);
-    bit_loader loader(words, span.min);
-    while (!a.done() || !b.done()) {
-      const int32_t row = a.done()   ? b.row()
-                          : b.done() ? a.row()
-                                     : std::min(a.row(), b.row());
-      const stretch from_a = take_row(&a, row);
-      const stretch from_b = take_row(&b, row);
-      if (from_a.done() || from_b.done()) {
-        writer w(out, from_a.count() + from_b.count());
-        if (operation_ != set_operation::intersect) add_all(from_a, &w);
-        if (operation_ == set_operation::unite) add_all(from_b, &w);
-        continue;
-      }
-      load(from_a, &loader, lines.line(0));
-      load(from_b, &loader, lines.line(1));
-      combine_lines(lines);
-      append_runs(lines.line(0), words, span.min, row, out);
-    }
-  }
-
-  // The runs of `row`, if that is the first one of *s.
-  stretch take_row(stretch* s, int32_t row) const {
-    const size_t first = s->first;
-    if (!s->done() && s->row() == row)
-      s->first = k_.row_end(s->runs.rows, first, s->last);
-    return {s->runs, first, s->first};
-  }
-
-  static void load(const stretch& s, bit_loader* loader, uint64_t* line) {
-    loader->load(s.runs.begins + s.first, s.runs.ends + s.first, s.count(),
-                 line);
-  }
-
-  void combine_lines(const bit_lines& lines) const {
-    uint64_t* into = lines.line(0);
-    const uint64_t* from = lines.line(1);
-    switch (operation_) {
-      case set_operation::unite:
-        return k_.merge_or(from, &into, 1, lines.words());
-      case set_operation::subtract:
-        return k_.merge_and_not(from, &into, 1, lines.words());
-      case set_operation::intersect:
-        return k_.merge_and(from, &into, 1, lines.words());
-    }
-  }
-
   const set_operation operation_;
-  const bit_kernels& k_;
+  const bit_kernels& rows_;
+  const key_kernels& keys_;
+  key_room room_;
+  key_columns columns_;
+  key_frame frame_;
 };
 
 // The first run of the row that run i of `from` lies in, in either list.
@@ -279,13 +289,20 @@ size_t row_begin(const run_view& list, const run_view& from, size_t i) {
       list.rows);
 }
 
+// Room that is not outgrown, as a rule: growing copies everything.
+size_t expected_runs(set_operation operation, size_t a, size_t b) {
+  constexpr size_t kLastStretches = 2048;
+  return (operation == set_operation::unite ? a + b : std::max(a, b)) +
+         kLastStretches;
+}
+
 // Pieces of whole rows, each with about as many runs, side by side.
 run_buffer combine(set_operation operation, const run_view& a,
                    const run_view& b) {
-  const combination work(operation);
   const run_view& larger = a.count >= b.count ? a : b;
   const size_t pieces = piece_count(larger.count, 16384);
-  std::vector<run_buffer> parts(pieces);
+  std::vector<run_buffer> parts;
+  while (parts.size() < pieces) parts.emplace_back(size_t{0});
   parallel_for(pieces, [&](size_t p) {
     const size_t first = piece_begin(larger.count, pieces, p);
     const size_t last = piece_begin(larger.count, pieces, p + 1);
@@ -295,8 +312,8 @@ run_buffer combine(set_operation operation, const run_view& a,
     };
     const stretch from_a = part_of(a);
     const stretch from_b = part_of(b);
-    parts[p].ensure(std::max(from_a.count(), from_b.count()) + kRunSlack);
-    work.combine(from_a, from_b, &parts[p]);
+    parts[p].ensure(expected_runs(operation, from_a.count(), from_b.count()));
+    combination(operation).combine(from_a, from_b, &parts[p]);
   });
   return joined(std::move(parts));
 }

@@ -243,7 +243,7 @@ TEST(SetOperations, AgreeWithThePixelOracle) {
   }
 }
 
-// Many rows of many runs: merged in places, combined as bits in others.
+// Many rows of many runs, few in some of them.
 region large_region(Random& random) {
   Runs runs;
   for (int row = -500; row < 700; ++row) {
@@ -281,6 +281,75 @@ TEST(SetOperations, FormsThreadsAndVectorWidthsAgreeOnLargeRegions) {
           ASSERT_TRUE(runs_of(result) == chords_of(expected))
               << threads << " " << static_cast<int>(level);
         }
+      }
+    }
+  }
+}
+
+// Stretch after stretch of rows that are far apart, or far to one side, or as
+// wide as columns go, or have runs that touch.
+Runs stretches_of_every_kind(Random& random) {
+  Runs runs;
+  int64_t row = INT32_MIN;
+  for (int stretch = 0; stretch < 40; ++stretch) {
+    const int kind = random.between(0, 5);
+    const int64_t left = kind == 0   ? INT32_MIN
+                         : kind == 1 ? INT32_MAX - int64_t{40000}
+                                     : random.between(-100000, 100000);
+    const int step = kind == 2 ? 1000000 : 1;
+    const int reach = kind == 3 ? 100000000 : random.between(1, 40);
+    const int gap = kind == 4 ? 1 : 2;
+    for (int n = random.between(1, 120); n > 0; --n, row += step) {
+      int64_t column = left + random.between(0, reach);
+      for (int k = random.between(0, 20); k > 0; --k) {
+        const int64_t end = column + random.between(0, reach);
+        if (end > INT32_MAX) break;
+        runs.push_back({static_cast<int>(row), static_cast<int>(column),
+                        static_cast<int>(end)});
+        column = end + gap + random.between(0, reach);
+        if (column > INT32_MAX) break;
+      }
+    }
+    row += random.chance(50) ? 0 : random.between(0, 10000000);
+  }
+  return runs;
+}
+
+Runs joined(const Runs& runs) {
+  Runs result;
+  for (const Run& run : runs) {
+    if (!result.empty() && result.back().row == run.row &&
+        result.back().end + int64_t{1} >= run.begin)
+      result.back().end = run.end;
+    else
+      result.push_back(run);
+  }
+  return result;
+}
+
+TEST(SetOperations, FormsAndVectorWidthsAgreeHoweverFarRunsLieApart) {
+  using vexo::internal::vector_level;
+  for (uint64_t seed = 0; seed < 60; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const Runs runs = stretches_of_every_kind(random);
+    Runs other = random.chance(50) ? stretches_of_every_kind(random) : runs;
+    for (auto& run : other)
+      if (run.end > run.begin) run.end -= random.between(0, 1);
+    region a = region_of(runs);
+    region b = region_of(other);
+    for (const Pair& p : kPairs) {
+      SCOPED_TRACE(p.name);
+      region expected;
+      p.chords(a, b, &expected);
+      for (const vector_level level :
+           {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+        vexo::internal::set_vector_limit(level);
+        region result;
+        p.arrays(a, b, &result);
+        vexo::internal::set_vector_limit(vector_level::kAvx512);
+        ASSERT_TRUE(runs_of(result) == joined(chords_of(expected)))
+            << static_cast<int>(level);
       }
     }
   }
