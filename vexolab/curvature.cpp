@@ -209,7 +209,8 @@ bool ellipse_of(const std::vector<frame>& frames, double* ellipse) {
   if (!shape->refit(p.set(), p.weight.data(), &start)) return false;
   shape->distances(p.set(), start, distance.data());
   if (!all_on_it()) return false;
-  if (!shape->fit(p.set(), p.weight.data(), false, kTinyStep)) return false;
+  if (!shape->fit(p.set(), p.weight.data(), false, full_effort(p.set().n)))
+    return false;
   shape->distances(p.set(), distance.data());
   if (!all_on_it()) return false;
   shape->report(p.x0, p.y0, p.unit, ellipse);

@@ -43,7 +43,7 @@ void solve_feet(const double* ax, const double* by, double gap, double start,
 // The feet of some points, as arrays so that the compiler can take several
 // points at once.
 struct feet {
-  static constexpr int kMost = 64;
+  static constexpr int kMost = residual_block<5>::kMost;
   double nx[kMost], ny[kMost];  // outward unit normals, along the axes
   double ux[kMost], uy[kMost];  // the feet, as points of the unit circle
   double distance[kMost];       // outside positive
@@ -96,11 +96,19 @@ normal_equations<5> ellipse::linearise(const point_set& points,
                                        const double* weight) const {
   normal_equations<5> sums;
   in_blocks(*this, points, [&](const feet& f, int first, int n) {
+    residual_block<5> block;
+    block.n = n;
     for (int i = 0; i < n; ++i) {
       const double nx = f.nx[i], ny = f.ny[i], ux = f.ux[i], uy = f.uy[i];
-      sums.add(weight[first + i], f.distance[i],
-               {-nx, -ny, -nx * ux, -(nx * uy + ny * ux), -ny * uy});
+      block.weight[i] = weight[first + i];
+      block.residual[i] = f.distance[i];
+      block.row[0][i] = -nx;
+      block.row[1][i] = -ny;
+      block.row[2][i] = -nx * ux;
+      block.row[3][i] = -(nx * uy + ny * ux);
+      block.row[4][i] = -ny * uy;
     }
+    sums.add(&block);
   });
   return sums;
 }

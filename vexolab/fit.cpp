@@ -25,9 +25,8 @@ constexpr double kSmallestSigmaPx = 0.01;
 // Closer than this, points coincide: squares of their distances would be 0.
 constexpr double kSmallestExtentPx = 1e-100;
 
-// More than this are first fitted to half as many of them.
-constexpr int kManyPoints = 20000;
-constexpr int kRoundsOverMany = 2;
+// A frame needs no more points than these to be a good one.
+constexpr int kPointsForFrame = 10000;
 
 std::unique_ptr<shape_fit> make_fit(int shape) {
   switch (shape) {
@@ -46,9 +45,9 @@ bool usable(double value) {
   return std::fabs(value) <= kLargestNumber;  // false for NaN
 }
 
-double median(std::vector<double>* values) {
-  const auto middle = values->begin() + values->size() / 2;
-  std::nth_element(values->begin(), middle, values->end());
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + values.size() / 2;
+  std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
 
@@ -62,25 +61,34 @@ struct framed_points {
 
   framed_points(const double* points, int n)
       : x(points, points + n), y(points + n, points + 2 * n) {
-    std::vector<double> scratch(x);
-    origin_x = median(&scratch);
-    scratch = y;
-    origin_y = median(&scratch);
-    for (double& value : x) value -= origin_x;
-    for (double& value : y) value -= origin_y;
+    const thinned_points some({points, points + n, n}, kPointsForFrame);
+    origin_x = median(some.x());
+    origin_y = median(some.y());
+    extent = 0;
     for (int i = 0; i < n; ++i) {
-      scratch[i] = std::max(std::fabs(x[i]), std::fabs(y[i]));
+      x[i] -= origin_x;
+      y[i] -= origin_y;
+      extent = std::max({extent, std::fabs(x[i]), std::fabs(y[i])});
     }
-    extent = *std::max_element(scratch.begin(), scratch.end());
     // Most of the points may coincide; the others' fourth powers must still be
     // numbers.
-    const double spread = std::max(median(&scratch), 1e-12 * extent);
+    const double spread = std::max(median(distances(some)), 1e-12 * extent);
     int exponent = 0;
     std::frexp(spread, &exponent);
     // A power of two, so that scaling rounds nothing.
     unit = std::ldexp(1.0, exponent);
     for (double& value : x) value /= unit;
     for (double& value : y) value /= unit;
+  }
+
+  // From the origin, along the axis where they are larger.
+  std::vector<double> distances(const thinned_points& points) const {
+    std::vector<double> result(points.x());
+    for (size_t i = 0; i < result.size(); ++i) {
+      result[i] = std::max(std::fabs(result[i] - origin_x),
+                           std::fabs(points.y()[i] - origin_y));
+    }
+    return result;
   }
 
   // All in one place, as far as numbers of this size can tell.
@@ -90,27 +98,6 @@ struct framed_points {
     return extent <= std::max(kRounding * size, kSmallestExtentPx);
   }
 };
-
-// Robust, or plain least squares if there are to be no iterations.
-bool fit_some(const point_set& points, const robust_options& options, bool warm,
-              shape_fit* shape) {
-  if (options.iterations > 0) {
-    return fit_robustly(points, options, warm, shape);
-  }
-  const std::vector<double> ones(points.n, 1.0);
-  return shape->fit(points, ones.data(), warm, kTinyStep);
-}
-
-// A fit to some of the points is so close that few rounds over all of them
-// reach what many would: one step from a good start makes an estimator
-// efficient.
-bool fit_many(const point_set& points, robust_options options,
-              shape_fit* shape) {
-  const thinned_points some(points, kManyPoints / 2);
-  if (!fit_some(some.set(), options, false, shape)) return false;
-  options.iterations = std::min(options.iterations, kRoundsOverMany);
-  return fit_some(points, options, true, shape);
-}
 
 }  // namespace
 
@@ -140,9 +127,7 @@ int fit(const double* points, int n, int shape, int method, float factor,
   options.least = least;
   options.smallest_sigma = kSmallestSigmaPx / framed.unit;
   const point_set set{framed.x.data(), framed.y.data(), n};
-  const bool done = n > kManyPoints ? fit_many(set, options, fit.get())
-                                    : fit_some(set, options, false, fit.get());
-  if (!done) return VEXOLAB_E_DEGENERATE;
+  if (!fit_points(set, options, fit.get())) return VEXOLAB_E_DEGENERATE;
   fit->report(framed.origin_x, framed.origin_y, framed.unit, out);
   return 0;
 }

@@ -23,11 +23,20 @@ struct circle {
   normal_equations<3> linearise(const point_set& p,
                                 const double* weight) const {
     normal_equations<3> sums;
-    for (int i = 0; i < p.n; ++i) {
-      const double dx = p.x[i] - cx, dy = p.y[i] - cy;
-      const double distance = std::sqrt(dx * dx + dy * dy);
-      const double inverse = distance > 0 ? 1 / distance : 0;
-      sums.add(weight[i], distance - r, {-dx * inverse, -dy * inverse, -1});
+    residual_block<3> block;
+    for (int first = 0; first < p.n; first += block.kMost) {
+      block.n = std::min(block.kMost, p.n - first);
+      for (int k = 0; k < block.n; ++k) {
+        const double dx = p.x[first + k] - cx, dy = p.y[first + k] - cy;
+        const double distance = std::sqrt(dx * dx + dy * dy);
+        const double inverse = distance > 0 ? 1 / distance : 0;
+        block.weight[k] = weight[first + k];
+        block.residual[k] = distance - r;
+        block.row[0][k] = -dx * inverse;
+        block.row[1][k] = -dy * inverse;
+        block.row[2][k] = -1;
+      }
+      sums.add(&block);
     }
     return sums;
   }
@@ -160,11 +169,11 @@ class circle_fit : public shape_fit {
   }
 
   bool fit(const point_set& p, const double* weight, bool warm,
-           double last_step) override {
+           const effort& most) override {
     const scatter s(p, weight);
     if (s.is_thin()) return false;
     if (!warm && !hyper_fit(p, weight, s, &circle_)) return false;
-    minimise(p, weight, last_step, &circle_);
+    minimise(p, weight, most, &circle_);
     return circle_.r <= kLargestRadius * s.extent;
   }
 

@@ -93,7 +93,7 @@ class ellipse_fit : public shape_fit {
   }
 
   bool fit(const point_set& p, const double* weight, bool warm,
-           double last_step) override {
+           const effort& most) override {
     const used_points used(p, weight);
     const scatter s(used.set(), used.weight.data());
     if (s.is_thin()) return false;
@@ -104,7 +104,7 @@ class ellipse_fit : public shape_fit {
         return false;
       }
     }
-    minimise(used.set(), used.weight.data(), last_step, &ellipse_);
+    minimise(used.set(), used.weight.data(), most, &ellipse_);
     return ellipse_.a <= kLargestAxis * s.extent &&
            ellipse_.b >= kSmallestRatio * ellipse_.a;
   }

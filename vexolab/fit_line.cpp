@@ -52,12 +52,13 @@ class line_fit : public shape_fit {
   bool refit(const point_set& p, const double* weight,
              guess* line) const override {
     line_fit fitted;
-    if (!fitted.fit(p, weight, false, 0)) return false;
+    if (!fitted.fit(p, weight, false, {})) return false;
     *line = fitted.equation();
     return true;
   }
 
-  bool fit(const point_set& p, const double* weight, bool, double) override {
+  bool fit(const point_set& p, const double* weight, bool,
+           const effort&) override {
     const scatter s(p, weight);
     if (!(s.extent > 0)) return false;
     cx_ = s.x;

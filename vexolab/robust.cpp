@@ -7,6 +7,7 @@
 
 #include "vexolab/robust_start.h"
 #include "vexolab/scale.h"
+#include "vexolab/thinned_points.h"
 
 namespace vexolab {
 namespace {
@@ -17,9 +18,20 @@ constexpr double kSettled = 1e-5;
 // While the weights change, a fit may end with a step below this part of
 // sigma; the last one goes to the end.
 constexpr double kRough = 0.01;
+constexpr int kRoughSteps = 10;
+// Rounds times points: weights that never come to rest must end as well.
+constexpr int kMostRoundsTimesPoints = 400000;
 // Rounds that estimate sigma from a narrow band, until outliers are out.
 constexpr int kNarrowRounds = 2;
 constexpr double kSmallestFactor = 0.01;
+
+// More than this are first fitted to half as many of them. That fit is so close
+// that few rounds of one step over all of them reach what many would: one step
+// from a good start makes an estimator efficient.
+constexpr int kManyPoints = 10000;
+constexpr int kRoundsOverMany = 2;
+constexpr double kCloseStart = 0.1;  // a step from it, as a part of sigma
+constexpr int kRoundsBeforeMany = 20;
 
 // Weight over distance for a given sigma. Neither curve has a step: on a real
 // contour, which is never quite the shape, points would jump in and out of the
@@ -61,14 +73,16 @@ class iteration {
         weight_(points.n, 1.0),
         scratch_(points.n) {}
 
-  bool run(bool warm) {
-    if (!start(warm)) return false;
-    for (int round = 0; round < options_.iterations; ++round) {
+  bool run(double* sigma) {
+    if (!start()) return false;
+    const int most_rounds = std::min(
+        options_.iterations, std::max(kMostRoundsTimesPoints / points_.n, 1));
+    const effort to_the_end = full_effort(points_.n);
+    for (int round = 0; round < most_rounds; ++round) {
       weigh();
-      if (!shape_.fit(points_, weight_.data(), warm || round > 0,
-                      kRough * sigma_)) {
-        return false;
-      }
+      const effort rough = {kRough * sigma_,
+                            round > 0 ? kRoughSteps : to_the_end.most_steps};
+      if (!shape_.fit(points_, weight_.data(), round > 0, rough)) return false;
       scratch_.swap(distance_);
       shape_.distances(points_, distance_.data());
       const double before = sigma_;
@@ -78,17 +92,32 @@ class iteration {
         break;
       }
     }
-    return shape_.fit(points_, weight_.data(), true, kTinyStep);
+    *sigma = sigma_;
+    return shape_.fit(points_, weight_.data(), true, to_the_end);
+  }
+
+  // From the shape as it is, a fit to some of the points that had this sigma.
+  bool run_over_many(double sigma) {
+    sigma_ = sigma;
+    const int rounds = std::min(options_.iterations, kRoundsOverMany);
+    for (int round = 0; round < rounds; ++round) {
+      shape_.distances(points_, distance_.data());
+      estimate_sigma(true);
+      weigh();
+      const effort one_step = {kCloseStart * sigma_, 1};
+      if (!shape_.fit(points_, weight_.data(), true, one_step)) return false;
+    }
+    return true;
   }
 
  private:
-  bool start(bool warm) {
-    if (!warm && robust_start(points_, shape_, options_.smallest_sigma,
-                              distance_.data(), &sigma_)) {
+  bool start() {
+    if (robust_start(points_, shape_, options_.smallest_sigma, distance_.data(),
+                     &sigma_)) {
       return true;
     }
     // Points no sample of which makes a shape may still have a fit.
-    if (!warm && !shape_.fit(points_, weight_.data(), false, kTinyStep)) {
+    if (!shape_.fit(points_, weight_.data(), false, full_effort(points_.n))) {
       return false;
     }
     shape_.distances(points_, distance_.data());
@@ -145,11 +174,37 @@ class iteration {
   double sigma_ = 0;
 };
 
+bool fit_plainly(const point_set& points, bool warm, shape_fit* shape) {
+  const std::vector<double> ones(points.n, 1.0);
+  return shape->fit(points, ones.data(), warm, full_effort(points.n));
+}
+
+// Of some of the points, as large a part is to be kept as of all.
+robust_options for_some(robust_options options, int some, int all,
+                        int freedom) {
+  const double part = std::ceil(1.0 * options.least * some / all);
+  options.least = std::max(static_cast<int>(part), freedom);
+  options.iterations = std::min(options.iterations, kRoundsBeforeMany);
+  return options;
+}
+
 }  // namespace
 
-bool fit_robustly(const point_set& points, const robust_options& options,
-                  bool warm, shape_fit* shape) {
-  return iteration(points, options, shape).run(warm);
+bool fit_points(const point_set& points, const robust_options& options,
+                shape_fit* shape) {
+  const bool many = points.n > kManyPoints;
+  const thinned_points some(points, many ? kManyPoints / 2 : 0);
+  const point_set first = many ? some.set() : points;
+  if (options.iterations == 0) {
+    return fit_plainly(first, false, shape) &&
+           (!many || fit_plainly(points, true, shape));
+  }
+  double sigma = 0;
+  if (!many) return iteration(points, options, shape).run(&sigma);
+  const robust_options fewer =
+      for_some(options, first.n, points.n, shape->freedom());
+  return iteration(first, fewer, shape).run(&sigma) &&
+         iteration(points, options, shape).run_over_many(sigma);
 }
 
 }  // namespace vexolab

@@ -4,6 +4,7 @@
 #ifndef VEXOLAB_SHAPE_FIT_H_
 #define VEXOLAB_SHAPE_FIT_H_
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -37,8 +38,19 @@ std::array<float, kCount> single(const guess& shape) {
   return result;
 }
 
-// As a step of a geometric fit: what follows it is rounding.
-constexpr double kTinyStep = 1e-8;
+// When a geometric fit ends: with the first step below last_step, after
+// most_steps at the latest. It visits the points most_steps + 1 times, and
+// twice more to start.
+struct effort {
+  double last_step;
+  int most_steps;
+};
+
+// To the end: what follows such a step is rounding. Of many points, fewer steps
+// are taken.
+inline effort full_effort(int points) {
+  return {1e-8, std::clamp(200000 / points, 3, 200)};
+}
 
 class shape_fit {
  public:
@@ -71,10 +83,9 @@ class shape_fit {
   // ---- The geometric fit -------------------------------------------------
 
   // Minimises the weighted sum of squared distances, from the last fit if
-  // `warm`, else from an algebraic one; iterations end with the first step
-  // below `last_step`. False: degenerate.
+  // `warm`, else from an algebraic one. False: degenerate.
   virtual bool fit(const point_set& points, const double* weight, bool warm,
-                   double last_step) = 0;
+                   const effort& most) = 0;
   // Unsigned orthogonal distances from the last fit.
   virtual void distances(const point_set& points, double* distance) const = 0;
   // The last fit as do_fit() reports it, moved back into the image.

@@ -30,10 +30,17 @@ class random_numbers {
 };
 
 // Every stretch of the list sends one point, at random: no pattern in the list
-// can hide from it. The order stays.
+// can hide from it. The order stays. All points if they are no more than n.
 class thinned_points {
  public:
   thinned_points(const point_set& p, int n) {
+    if (n >= p.n) {
+      x_.assign(p.x, p.x + p.n);
+      y_.assign(p.y, p.y + p.n);
+      return;
+    }
+    x_.reserve(n);
+    y_.reserve(n);
     random_numbers random;
     for (int i = 0; i < n; ++i) {
       const double at = (i + random.next()) / n * p.n;
@@ -43,6 +50,8 @@ class thinned_points {
     }
   }
 
+  const std::vector<double>& x() const { return x_; }
+  const std::vector<double>& y() const { return y_; }
   point_set set() const {
     return {x_.data(), y_.data(), static_cast<int>(x_.size())};
   }

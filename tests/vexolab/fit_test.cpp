@@ -248,6 +248,38 @@ TEST(Fit, MillionPointsWithOutliersAreFitted) {
   EXPECT_NEAR(r.v[4], kEllipse.b, 0.003);
 }
 
+TEST(Fit, ManyPointsAreFittedAsWellAsTheGoodOnesAlone) {
+  constexpr int kMany = 100000;
+  synthetic::random random(9);
+  for (const int shape : kShapes) {
+    points good = sample_points(shape, kMany), all;
+    for (point& q : good) {
+      q.x += 0.3 * random.normal();
+      q.y += 0.3 * random.normal();
+      all.push_back(q);
+      if (all.size() % 3 == 0) {
+        all.push_back({random.uniform(0, 150), random.uniform(0, 150)});
+      }
+    }
+    const result best = fit(good, shape, kPlain), r = fit(all, shape);
+    ASSERT_EQ(r.code, 0);
+    // One point's deviation over the root of their number is 0.001. A line's
+    // centre is that of outliers on the line as well.
+    const int comparable = shape == VEXOLAB_LINE ? 2 : kDoubles[shape];
+    for (int i = 0; i < comparable; ++i) {
+      EXPECT_NEAR(r.v[i], best.v[i], 0.005) << shape << " " << i;
+    }
+  }
+}
+
+TEST(Fit, OfManyPointsAsManyAreKeptAsTheCallerAsksFor) {
+  constexpr int kMany = 600000;
+  points p = on_segment({0, 0}, {300, 0}, kMany);
+  for (int i = 0; i < kMany; i += 3) p[i].y = 9;
+  EXPECT_NEAR(fit(p, VEXOLAB_LINE, {7, 2, 20, kMany}).v[3], 3, 0.01);
+  EXPECT_NEAR(fit(p, VEXOLAB_LINE, {7, 2, 20, kMany / 2}).v[3], 0, 1e-9);
+}
+
 TEST(Fit, PointsApartByRoundingOnlyCoincide) {
   for (const int shape : kShapes) {
     points p;
