@@ -65,6 +65,9 @@ class locator {
   // To be called for every new profile, before the first edge of it.
   void prepare(const profile& p) { fine_.compute(p, kernel_); }
 
+  // The work done so far.
+  double pixels_gathered() const { return strip_.pixels_gathered(); }
+
  private:
   bool find_start(const profile& p, const edge& found, double sigma,
                   edge_start* s) const;

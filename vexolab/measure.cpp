@@ -57,6 +57,7 @@ bool clearly_bent(const location& l, double half_width) {
 struct measured_edge {
   location at;
   double curvature = 0;  // along which it was measured
+  int resampled = 0;     // times; then the edges of the last find() are gone
 };
 
 // All that measuring one rectangle after another needs; one for each thread.
@@ -65,10 +66,18 @@ class rectangle_measurer {
   rectangle_measurer(const image& picture, const detection& how)
       : picture_(picture), how_(how), kernel_(how.sigma) {}
 
-  // The edges of the rectangle, valid until the next call.
+  // The edges of a rectangle that is begun, valid until the next call.
+  const std::vector<edge>& begin(const frame& f, double curvature) {
+    sampled_ = 0;
+    gathered_before_ = locator_.pixels_gathered();
+    return find(f, curvature);
+  }
+
+  // The edges of the same rectangle along another arc.
   const std::vector<edge>& find(const frame& f, double curvature) {
     edges_.clear();
     profile_.sample(picture_, narrowed(f, curvature), curvature);
+    sampled_ += 1.0 * profile_.size() * profile_.lines();
     if (profile_.size() < 3) return edges_;
     derivative_.compute(profile_, kernel_);
     find_edges(profile_, derivative_, how_.sigma, how_.threshold, &edges_);
@@ -77,26 +86,38 @@ class rectangle_measurer {
   }
 
   // Locates an edge of the last find(), along an arc of that curvature or, if
-  // its pixels clearly say so, of another: then the profile is sampled anew and
-  // the edges of the last find() are gone.
+  // its pixels clearly say so, of another: then the profile is sampled anew.
   measured_edge locate(const frame& f, const edge& found, double curvature) {
     edge e = found;
-    measured_edge result = {locate_along(f, e, curvature), curvature};
-    for (int i = 0; i < kMostBends; ++i) {
+    measured_edge result;
+    result.at.u = e.u;
+    result.curvature = curvature;
+    if (exhausted()) return result;
+    result.at = locate_along(f, e, curvature);
+    while (result.resampled < kMostBends && !exhausted()) {
       const double half_width = narrowed(f, result.curvature).half_width;
       if (!result.at.fitted || !clearly_bent(result.at, half_width)) break;
       const double limit = kLargestTurn / std::max(f.half_width, 1.0);
       const double bent =
           std::clamp(result.curvature + result.at.bent, -limit, limit);
+      ++result.resampled;
       if (!find_again(f, bent, result.at.u, &e)) break;
       const location again = locate_along(f, e, bent);
       if (!again.fitted) break;
-      result = {again, bent};
+      result.at = again;
+      result.curvature = bent;
     }
     return result;
   }
 
+  // Samples and pixels visited since the rectangle was begun.
+  double work() const {
+    return sampled_ + locator_.pixels_gathered() - gathered_before_;
+  }
+
  private:
+  bool exhausted() const { return work() > kMostWork; }
+
   static frame narrowed(frame f, double curvature) {
     f.half_width = effective_half_width(f.half_width, curvature);
     return f;
@@ -128,6 +149,7 @@ class rectangle_measurer {
   derivative derivative_;
   locator locator_;
   std::vector<edge> edges_;
+  double sampled_ = 0, gathered_before_ = 0;
 };
 
 // The place of an edge whose curvature is `c`, after all corrections.
@@ -154,6 +176,24 @@ bool measurable(const float* r) {
 
 }  // namespace
 
+double samples_of(const image& picture, double sigma, double half_length,
+                  double half_width) {
+  const double diagonal = std::hypot(picture.width, picture.height);
+  const double length = std::min(2 * half_length, diagonal);
+  const double width = std::min(2 * half_width, diagonal);
+  return (length + 1) * (width + 1 + std::min(sigma, length));
+}
+
+double samples_of(const image& picture, double sigma, const float* rectangles,
+                  int n) {
+  double sum = 0;
+  for (int i = 0; i < n; ++i) {
+    const float* r = rectangles + 5 * static_cast<ptrdiff_t>(i);
+    if (measurable(r)) sum += samples_of(picture, sigma, r[3], r[4]);
+  }
+  return sum;
+}
+
 void measure_rectangles(const image& picture, const detection& how,
                         const selection& which, const float* rectangles, int n,
                         std::vector<double>* points) {
@@ -172,7 +212,7 @@ void measure_rectangles(const image& picture, const detection& how,
         for (auto i = static_cast<size_t>(begin); i < static_cast<size_t>(end);
              ++i) {
           const frame& f = frames[i];
-          const edge* e = select(measurer.find(f, drawn[i]), which);
+          const edge* e = select(measurer.begin(f, drawn[i]), which);
           if (!e) continue;
           edges[i] = measurer.locate(f, *e, drawn[i]);
           const double u = edges[i].at.u;
@@ -193,18 +233,19 @@ void measure_rectangles(const image& picture, const detection& how,
   points->insert(points->end(), ys.begin(), ys.end());
 }
 
-void measure_all_edges(const image& picture, const detection& how,
-                       const frame& f, std::vector<double>* triples) {
+double measure_all_edges(const image& picture, const detection& how,
+                         const frame& f, std::vector<double>* triples) {
   rectangle_measurer measurer(picture, how);
-  const std::vector<edge> edges = measurer.find(f, 0);
+  const std::vector<edge> edges = measurer.begin(f, 0);
   for (const edge& e : edges) {
     const measured_edge m = measurer.locate(f, e, 0);
     // Another edge's arc is not this one's.
-    if (m.curvature != 0) measurer.find(f, 0);
+    if (m.resampled > 0) measurer.find(f, 0);
     const double u = corrected(m, m.curvature, f.half_length);
     triples->insert(triples->end(),
                     {f.image_x(u, 0), f.image_y(u, 0), e.amplitude});
   }
+  return measurer.work();
 }
 
 }  // namespace vexolab

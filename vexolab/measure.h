@@ -17,16 +17,29 @@ struct detection {
   double threshold;
 };
 
+// What measuring a rectangle of these half lengths costs, in samples as
+// vexolab.h counts them: never fewer than its profile has.
+double samples_of(const image& picture, double sigma, double half_length,
+                  double half_width);
+
+// Of all rectangles that are measured.
+double samples_of(const image& picture, double sigma, const float* rectangles,
+                  int n);
+
 // do_measure() behind the C interface: appends the x and then the y of the
 // points. `rectangles` holds five floats each.
 void measure_rectangles(const image& picture, const detection& how,
                         const selection& which, const float* rectangles, int n,
                         std::vector<double>* points);
 
+// A very large rectangle may have hundreds of edges as wide as itself. After so
+// many pixels and samples the rest keep the detector's position.
+constexpr double kMostWork = 8e6;
+
 // measure_pos_d() behind the C interface: appends (x, y, amplitude) of every
-// edge.
-void measure_all_edges(const image& picture, const detection& how,
-                       const frame& f, std::vector<double>* triples);
+// edge. Returns the number of samples and pixels visited.
+double measure_all_edges(const image& picture, const detection& how,
+                         const frame& f, std::vector<double>* triples);
 
 }  // namespace vexolab
 

@@ -37,9 +37,10 @@ void pixel_strip::gather(const image& picture, const frame& f,
                          const strip_bounds& b) {
   size_ = 0;
   const double v_reach = b.half_width + kHalfPixel;
-  // How far the curve strays from u = centre within the strip.
-  const double reach = std::fabs(b.tilt) * v_reach +
-                       std::fabs(sagitta(b.curvature, v_reach)) + kBorder;
+  // How far the curve strays from its tangent, and that from u = centre, within
+  // the strip.
+  const double stray = std::fabs(sagitta(b.curvature, v_reach)) + kBorder;
+  const double reach = std::fabs(b.tilt) * v_reach + stray;
   const double u0 = b.centre + b.before - reach;
   const double u1 = b.centre + b.after + reach;
   // Rows between the topmost and the lowest corner.
@@ -50,10 +51,12 @@ void pixel_strip::gather(const image& picture, const frame& f,
       static_cast<int>(std::clamp(std::ceil(low), 0.0, picture.height * 1.0));
   const int last = static_cast<int>(
       std::clamp(std::floor(high), -1.0, picture.height - 1.0));
-  const inverses inverse = {1 / f.cos, 1 / f.sin, 1 / b.half_width};
+  const inverses inverse = {1 / (f.cos - b.tilt * f.sin), 1 / f.sin,
+                            1 / b.half_width};
   for (int y = first; y <= last; ++y) {
-    add_row(picture, f, b, inverse, y, reach);
+    add_row(picture, f, b, inverse, y, stray);
   }
+  gathered_ += static_cast<double>(size_);
   if (b.curvature != 0) bend(b);
   pad();
 }
@@ -74,12 +77,13 @@ void pixel_strip::bend(const strip_bounds& b) {
 
 void pixel_strip::add_row(const image& picture, const frame& f,
                           const strip_bounds& b, const inverses& inverse, int y,
-                          double reach) {
+                          double stray) {
   const double dy = y - f.y;
   const double v_reach = b.half_width + kHalfPixel;
   span dx = {-f.x, picture.width - 1 - f.x};
-  narrow(f.cos, inverse.cos, -dy * f.sin - b.centre, b.before - reach,
-         b.after + reach, &dx);
+  narrow(f.cos - b.tilt * f.sin, inverse.along,
+         -dy * (f.sin + b.tilt * f.cos) - b.centre, b.before - stray,
+         b.after + stray, &dx);
   narrow(f.sin, inverse.sin, dy * f.cos, -v_reach, v_reach, &dx);
   if (!(dx.low <= dx.high)) return;
   const int first = std::max(-floor_of(-(f.x + dx.low)), 0);

@@ -33,6 +33,8 @@ class pixel_strip {
 
   size_t padded_size() const { return (size_ + kLanes - 1) / kLanes * kLanes; }
   size_t size() const { return size_; }
+  // By all calls of gather() so far.
+  double pixels_gathered() const { return gathered_; }
 
   const float* t() const {
     return t_.data();
@@ -44,17 +46,18 @@ class pixel_strip {
 
  private:
   struct inverses {
-    double cos;
+    double along;
     double sin;
     double half_width;
   };
   void add_row(const image& picture, const frame& f, const strip_bounds& b,
-               const inverses& inverse, int y, double reach);
+               const inverses& inverse, int y, double stray);
   void bend(const strip_bounds& b);
   void reserve(size_t more);
   void pad();
 
   size_t size_ = 0;
+  double gathered_ = 0;
   std::vector<float> t_;
   std::vector<float> v_;
   std::vector<float> grey_;

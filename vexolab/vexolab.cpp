@@ -150,8 +150,13 @@ int do_measure(const unsigned char* image, int width, int height, double sigma,
       return VEXOLAB_E_ARGUMENT;
     }
     if (rectangle_count > VEXOLAB_MAX_RECTANGLES) return VEXOLAB_E_LIMIT;
-    vexolab::measure_rectangles(picture, detection_of(sigma, amplitude), which,
-                                rectangles, rectangle_count, out);
+    const vexolab::detection how = detection_of(sigma, amplitude);
+    if (vexolab::samples_of(picture, how.sigma, rectangles, rectangle_count) >
+        VEXOLAB_MAX_SAMPLES) {
+      return VEXOLAB_E_LIMIT;
+    }
+    vexolab::measure_rectangles(picture, how, which, rectangles,
+                                rectangle_count, out);
     return 0;
   });
 }
@@ -168,7 +173,12 @@ int measure_pos_d(double x, double y, double phi, double l1, double l2,
     if (l1 > VEXOLAB_MAX_HALF_LENGTH || l2 > VEXOLAB_MAX_HALF_LENGTH) {
       return VEXOLAB_E_LIMIT;
     }
-    vexolab::measure_all_edges(picture, detection_of(sigma, amplitude),
+    const vexolab::detection how = detection_of(sigma, amplitude);
+    if (vexolab::samples_of(picture, how.sigma, l1, l2) >
+        VEXOLAB_MAX_SAMPLES_ALL_EDGES) {
+      return VEXOLAB_E_LIMIT;
+    }
+    vexolab::measure_all_edges(picture, how,
                                vexolab::frame_of(x, y, phi, l1, l2), out);
     return 0;
   });

@@ -66,6 +66,8 @@ enum {
 #define VEXOLAB_MAX_RECTANGLES 10000
 #define VEXOLAB_MAX_HALF_LENGTH 20000 /* of a rectangle, px */
 #define VEXOLAB_MAX_POINTS 1000000
+#define VEXOLAB_MAX_SAMPLES 10000000          /* of one do_measure */
+#define VEXOLAB_MAX_SAMPLES_ALL_EDGES 2000000 /* of one measure_pos_d */
 
 /* Shapes of do_fit. */
 enum { VEXOLAB_LINE = 0, VEXOLAB_CIRCLE = 1, VEXOLAB_ELLIPSE = 2 };
@@ -140,9 +142,15 @@ VEXOLAB_API void ppw_to_rr(double x1, double y1, double x2, double y2,
  *               ARGUMENT    NULL, image below 2 x 2, sigma <= 0, unknown
  *                           selection
  *               NUMBER      a value that is not finite or above 1e7
- *               LIMIT       too many rectangles; rectangle too long
+ *               LIMIT       too many rectangles; rectangle too long; more
+ *                           than VEXOLAB_MAX_SAMPLES...
  *
- * Cost: about 4 us for a rectangle of 20 x 10 px on one core. */
+ * Samples: (2 l1 + 1) * (2 l2 + 1 + s) of each rectangle that is measured, s
+ * the smaller of sigma and 2 l1; of 2 l1 and 2 l2 no more than the image's
+ * diagonal counts. 10 000 rectangles of 20 x 10 px at sigma 1 have 2.5 million.
+ *
+ * Cost: about 4 us for a rectangle of 20 x 10 px on one core; any call within
+ * the limits stays below 1 s there. */
 
 /* At most one point per rectangle, in rectangle order; rectangles without a
  * qualifying edge contribute nothing, nor do those with a value that is not
@@ -162,7 +170,9 @@ VEXOLAB_API int do_measure(const unsigned char* image, int width, int height,
                            const char* selection, const float* rectangles,
                            int rectangle_count, double** points, int* n);
 
-/* All edges of one rectangle (x, y, phi, l1, l2), in order along the scan.
+/* All edges of one rectangle (x, y, phi, l1, l2), in order along the scan. In
+ * a very large one the edges after the first 8 million pixels around them are
+ * placed by the profile alone, to some hundredths of a pixel.
  *
  *   points      out: *count doubles, (x, y, amplitude) of each edge; *count is
  *               three times the number of edges. */

@@ -173,6 +173,64 @@ TEST(DoMeasure, LineFindersPathFindsTheEdge) {
   }
 }
 
+TEST(DoMeasure, SamplesAreMeasuredUpToTheLimitAndNotAbove) {
+  const synthetic::grey_image plain = {1000, 800,
+                                       std::vector<unsigned char>(800000, 90)};
+  // 1000 x (998 + 1 + sigma) samples.
+  const library::rectangle million = {500, 400, 30, 499.5f, 499};
+  std::vector<library::rectangle> rects(VEXOLAB_MAX_SAMPLES / 1000000, million);
+  EXPECT_GE(library::measured(plain, 1, 20, "first", rects).code, 1);
+  // Rectangles that are not measured do not count.
+  rects.push_back({500, 400, 30, 499.5f, 20001});
+  EXPECT_GE(library::measured(plain, 1, 20, "first", rects).code, 1);
+  rects.push_back({500, 400, 30, 0.5f, 0});
+  const auto above = library::measured(plain, 1, 20, "first", rects);
+  EXPECT_EQ(above.code, VEXOLAB_E_LIMIT);
+  EXPECT_EQ(above.n, 0);
+}
+
+TEST(DoMeasure, WhatLiesBeyondTheImageIsNoSample) {
+  const std::vector<library::rectangle> huge(500, {50, 40, 0, 20000, 20000});
+  EXPECT_GE(library::measured(Edge(), 1, 20, "first", huge).code, 1);
+}
+
+// Down to the bit, although the edges between may have been sampled anew along
+// arcs of their own.
+TEST(MeasurePosD, PlacesEveryEdgeAsIfItWereTheOnlyOne) {
+  synthetic::random r(4);
+  int edges = 0;
+  for (int trial = 0; trial < 60; ++trial) {
+    synthetic::grey_image g = {120, 100, {}};
+    const double bend = r.uniform(-0.03, 0.03), period = r.uniform(6, 14);
+    for (int y = 0; y < g.height; ++y) {
+      for (int x = 0; x < g.width; ++x) {
+        const double t = (x - bend * (y - 50) * (y - 50)) / period;
+        g.pixels.push_back(static_cast<unsigned char>(128 + 60 * std::sin(t) +
+                                                      r.uniform(-30, 30)));
+      }
+    }
+    const library::rectangle rect = {60, 50, 0, 30, 12};
+    const auto all = library::edges_in(g, rect, 1, 20);
+    const auto last = library::measured(g, 1, 20, "last", {rect});
+    ASSERT_EQ(last.n, all.list.empty() ? 0 : 1);
+    if (last.n == 0) continue;
+    edges += static_cast<int>(all.list.size());
+    EXPECT_EQ(all.list.back().x, last.x(0)) << trial;
+    EXPECT_EQ(all.list.back().y, last.y(0)) << trial;
+  }
+  EXPECT_GT(edges, 100);
+}
+
+TEST(MeasurePosD, SamplesAreMeasuredUpToTheLimitAndNotAbove) {
+  const synthetic::grey_image plain = {1500, 1500,
+                                       std::vector<unsigned char>(2250000, 90)};
+  // 1000 x (1998 + 1 + sigma) samples, the limit.
+  library::rectangle rect = {700, 800, 30, 499.5f, 999};
+  EXPECT_GE(library::edges_in(plain, rect, 1, 20).code, 1);
+  rect[4] = 999.01f;
+  EXPECT_EQ(library::edges_in(plain, rect, 1, 20).code, VEXOLAB_E_LIMIT);
+}
+
 TEST(MeasurePosD, CountsDoubles) {
   const auto g = Edge();
   double* data = nullptr;

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
 // The parts of measuring: profile, edges, locations, curvature.
+#include "vexolab/measure.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -100,6 +104,52 @@ TEST(Profile, FollowsAnArc) {
   sharp.compute(bent, kernel);
   // The middle of the falling edge.
   EXPECT_LT(sharp[8], 1.05f * blurred[8]);
+}
+
+TEST(Samples, AreNeverFewerThanTheProfileHas) {
+  const auto g = Ramp();
+  synthetic::random r(3);
+  for (int i = 0; i < 300; ++i) {
+    const double l1 = std::exp(r.uniform(-1, 6)),
+                 l2 = std::exp(r.uniform(-3, 6));
+    profile p;
+    p.sample(view_of(g), frame_of(30, 25, r.uniform(-180, 180), l1, l2), 0);
+    // Lines beyond the image are not visited.
+    const double lines = std::min<double>(p.lines(), std::hypot(60, 50) + 1);
+    EXPECT_GE(samples_of(view_of(g), 1, l1, l2), p.size() * lines);
+  }
+}
+
+TEST(Samples, AreCountedAsDocumented) {
+  const auto g = Ramp();
+  EXPECT_EQ(samples_of(view_of(g), 1, 10, 5), 21 * 12);
+  EXPECT_EQ(samples_of(view_of(g), 100, 10, 5), 21 * 31);
+  const double diagonal = std::hypot(60, 50);
+  EXPECT_EQ(samples_of(view_of(g), 1, 20000, 20000),
+            (diagonal + 1) * (diagonal + 2));
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float rectangles[] = {30, 25, 0,  10, 5, 30, 25, 0,  10, nan, 30, 25, 0,
+                              0,  5,  30, 25, 0, 10, 0,  30, 25, 0,   10, -1};
+  EXPECT_EQ(samples_of(view_of(g), 1, rectangles, 5), 21 * 12 + 21 * 2);
+}
+
+// Edges so turned and bent that each one's strip is as large as a part of the
+// rectangle.
+TEST(MeasureAllEdges, WorkIsBoundedHoweverManyEdgesAreHoweverWide) {
+  synthetic::grey_image g = {1500, 1500, {}};
+  for (int y = 0; y < 1500; ++y) {
+    for (int x = 0; x < 1500; ++x) {
+      const int dy = y - 750;
+      g.pixels.push_back(x - 750 + 0.003 * dy * dy > 0 ? 228 : 28);
+    }
+  }
+  std::vector<double> triples;
+  const double once = samples_of(view_of(g), 0.5, 694, 717);
+  const double work = measure_all_edges(
+      view_of(g), {0.5, 0}, frame_of(750, 750, 25, 694, 717), &triples);
+  EXPECT_GT(triples.size(), 3 * 100u);
+  EXPECT_GT(work, kMostWork);
+  EXPECT_LT(work, kMostWork + 3 * once);
 }
 
 TEST(GaussianKernel, IsNormalised) {

@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
   if (wanted('F')) acceptance::contract(&report, seed);
   if (wanted('G')) acceptance::speed(&report, seed);
   if (wanted('G')) acceptance::fit_speed(&report, seed);
+  if (wanted('G')) acceptance::worst_calls(&report, seed);
 #ifdef VEXOLAB_ACCEPTANCE_PEERS
   if (wanted('P')) acceptance::peers(&report, seed);
 #endif

@@ -62,16 +62,17 @@ class report {
 };
 
 // Each group appends its rows; the seed shifts every random choice in it.
-void generators(report* r);                // A
-void edges(report* r, uint64_t seed);      // B
-void detection(report* r, uint64_t seed);  // C
-void shapes(report* r, uint64_t seed);     // D
-void bends(report* r, uint64_t seed);      // D, from D17 on
-void fits(report* r, uint64_t seed);       // E
-void contract(report* r, uint64_t seed);   // F
-void speed(report* r, uint64_t seed);      // G, edges
-void fit_speed(report* r, uint64_t seed);  // G, fits
-void peers(report* r, uint64_t seed);      // P, where OpenCV is built with
+void generators(report* r);                  // A
+void edges(report* r, uint64_t seed);        // B
+void detection(report* r, uint64_t seed);    // C
+void shapes(report* r, uint64_t seed);       // D
+void bends(report* r, uint64_t seed);        // D, from D17 on
+void fits(report* r, uint64_t seed);         // E
+void contract(report* r, uint64_t seed);     // F
+void speed(report* r, uint64_t seed);        // G, edges
+void fit_speed(report* r, uint64_t seed);    // G, fits
+void worst_calls(report* r, uint64_t seed);  // G, from G8 on
+void peers(report* r, uint64_t seed);        // P, where OpenCV is built with
 
 // printf into a string.
 template <typename... Values>
