@@ -53,6 +53,11 @@ interval range_of_corners(const image& picture, Coordinate coordinate) {
   return {*low, *high};
 }
 
+// The value as a position of so many, one past the last included.
+int within(double value, int count) {
+  return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(count)));
+}
+
 // Farther from the image's origin no line meets it that is at most the
 // longest rectangle long.
 constexpr double kFarthest = 1e9;
@@ -101,60 +106,43 @@ void add_samples(const image& picture, line_walk w, int n, uint64_t* sums) {
 
 }  // namespace
 
-void profile::sample(const image& picture, const frame& f, double curvature) {
-  size_ = 0;
+// Only what can meet the image is visited, however large the rectangle.
+profile::line_range profile::lay_out(const image& picture, const frame& f,
+                                     double curvature) {
   const int length = floor_of(2 * f.half_length + 1e-6) + 1;
   const double width = 2 * f.half_width;
   lines_ = std::max(1, static_cast<int>(std::lround(width)));
   first_u_ = -0.5 * (length - 1);
   const double spacing = width / lines_;
-  const double first_v = -0.5 * spacing * (lines_ - 1);
-
-  // Only what can meet the image is visited, however large the rectangle.
+  line_range lines = {-0.5 * spacing * (lines_ - 1), spacing, 0, lines_};
   const double bend = std::fabs(sagitta(curvature, f.half_width));
   const interval us = range_of_corners(
       picture, [&](double x, double y) { return f.u_of(x, y); });
   const interval vs = range_of_corners(
       picture, [&](double x, double y) { return f.v_of(x, y); });
-  const auto position = [](double value, int last) {
-    return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(last)));
-  };
-  begin_ = position(std::floor(us.low - bend - first_u_), length);
-  end_ = position(std::ceil(us.high + bend - first_u_) + 1, length);
-  int first_line = 0;
-  int last_line = lines_;
+  begin_ = within(std::floor(us.low - bend - first_u_), length);
+  end_ = within(std::ceil(us.high + bend - first_u_) + 1, length);
   if (lines_ > 1) {
-    first_line = position(std::floor((vs.low - first_v) / spacing), lines_);
-    last_line = position(std::ceil((vs.high - first_v) / spacing) + 1, lines_);
+    lines.begin =
+        within(std::floor((vs.low - lines.first_v) / spacing), lines_);
+    lines.end =
+        within(std::ceil((vs.high - lines.first_v) / spacing) + 1, lines_);
   }
-  if (end_ <= begin_ || 2 * (last_line - first_line) < lines_) return;
+  return lines;
+}
 
+void profile::sample(const image& picture, const frame& f, double curvature) {
+  size_ = 0;
+  const line_range lines = lay_out(picture, f, curvature);
+  if (end_ <= begin_ || 2 * (lines.end - lines.begin) < lines_) return;
   const auto n = static_cast<size_t>(end_ - begin_);
   sums_.assign(n, 0);
   counts_.assign(n + 1, 0);
-  for (int j = first_line; j < last_line; ++j) {
-    const double v = first_v + j * spacing;
+  for (int j = lines.begin; j < lines.end; ++j) {
+    const double v = lines.first_v + j * lines.spacing;
     add_line(picture, f, v, sagitta(curvature, v));
   }
-  int begin = 0;
-  int count = 0;
-  // counts_ holds the steps of the number of samples; at least half of the
-  // lines make a position valid. Lines enter and leave a convex image, so the
-  // valid positions are one interval.
-  int end = 0;
-  bool open = false;
-  for (int k = 0; k < static_cast<int>(n); ++k) {
-    count += counts_[static_cast<size_t>(k)];
-    counts_[static_cast<size_t>(k)] = count;
-    if (2 * count >= lines_) {
-      if (!open) begin = k;
-      open = true;
-      end = k + 1;
-    } else if (open) {
-      break;
-    }
-  }
-  keep_valid_interval(begin, end);
+  keep_valid_interval();
 }
 
 void profile::add_line(const image& picture, const frame& f, double v,
@@ -186,7 +174,27 @@ void profile::add_line(const image& picture, const frame& f, double v,
   --counts_[static_cast<size_t>(last) + 1];
 }
 
-void profile::keep_valid_interval(int begin, int end) {
+// At least half of the lines make a position valid. Lines enter and leave a
+// convex image, so the valid positions are one interval.
+void profile::keep_valid_interval() {
+  int begin = 0;
+  int end = 0;
+  int count = 0;
+  for (int k = 0; k < end_ - begin_; ++k) {
+    int& here = counts_[static_cast<size_t>(k)];  // its change so far
+    count += here;
+    here = count;
+    if (2 * count >= lines_) {
+      if (end == 0) begin = k;
+      end = k + 1;
+    } else if (end > 0) {
+      break;
+    }
+  }
+  keep(begin, end);
+}
+
+void profile::keep(int begin, int end) {
   size_ = end - begin;
   first_u_ += begin_ + begin;
   values_.resize(static_cast<size_t>(size_));

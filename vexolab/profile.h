@@ -33,8 +33,17 @@ class profile {
   int lines() const { return lines_; }
 
  private:
+  // The lines to be visited.
+  struct line_range {
+    double first_v;  // of line 0
+    double spacing;
+    int begin;
+    int end;
+  };
+  line_range lay_out(const image& picture, const frame& f, double curvature);
   void add_line(const image& picture, const frame& f, double v, double shift);
-  void keep_valid_interval(int begin, int end);
+  void keep_valid_interval();
+  void keep(int begin, int end);
 
   int size_ = 0;
   int lines_ = 0;
@@ -42,7 +51,7 @@ class profile {
   int begin_ = 0;  // of the positions that can meet the image
   int end_ = 0;
   std::vector<uint64_t> sums_;
-  std::vector<int> counts_;
+  std::vector<int> counts_;  // samples; while lines are added, its steps
   std::vector<float> values_;
 };
 
