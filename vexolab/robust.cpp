@@ -102,7 +102,6 @@ class iteration {
     const int rounds = std::min(options_.iterations, kRoundsOverMany);
     for (int round = 0; round < rounds; ++round) {
       shape_.distances(points_, distance_.data());
-      estimate_sigma(true);
       weigh();
       const effort one_step = {kCloseStart * sigma_, 1};
       if (!shape_.fit(points_, weight_.data(), true, one_step)) return false;

@@ -47,10 +47,10 @@ TEST(FitCircle, ShortExactArcsGiveTheCircle) {
 TEST(FitCircle, ArcFlatterThanAHundredExtentsIsRefused) {
   const double radius = 1000;
   const auto arc = [&](double extent) {
-    return on({0, 0, 0, radius, radius}, 50, 0.3, extent / radius / 2 / kPi);
+    return on({0, 0, 0, radius, radius}, 50, 0, extent / radius / 2 / kPi);
   };
-  EXPECT_EQ(fit(arc(20), VEXOLAB_CIRCLE, kPlain).code, 0);
-  EXPECT_EQ(fit(arc(5), VEXOLAB_CIRCLE, kPlain).code, VEXOLAB_E_DEGENERATE);
+  EXPECT_EQ(fit(arc(10.5), VEXOLAB_CIRCLE, kPlain).code, 0);
+  EXPECT_EQ(fit(arc(9.5), VEXOLAB_CIRCLE, kPlain).code, VEXOLAB_E_DEGENERATE);
 }
 
 TEST(FitCircle, PlainFitIsTheLeastSumOfSquaredDistances) {
@@ -69,6 +69,18 @@ TEST(FitCircle, PlainFitIsTheLeastSumOfSquaredDistances) {
       }
     }
   }
+}
+
+TEST(FitCircle, DistancesOfAPlainFitAddUpToNothing) {
+  synthetic::random random(5);
+  const points p =
+      on(kCircle, 15, 1, 0.4, [&](int) { return random.normal(); });
+  const result r = fit(p, VEXOLAB_CIRCLE, kPlain);
+  double sum = 0;
+  for (const point& q : p) {
+    sum += std::hypot(q.x - r.v[0], q.y - r.v[1]) - r.v[2];
+  }
+  EXPECT_NEAR(sum, 0, 1e-9);
 }
 
 TEST(FitCircle, ThirtyPercentOutliersOfAnyKindDoNotShow) {

@@ -153,6 +153,28 @@ TEST(FitEllipse, SlenderAndShortArcsAreFitted) {
                  1e-9);
 }
 
+TEST(FitEllipse, FlatterThanTenThousandthOfItsLengthIsRefused) {
+  const auto flat = [](double b) { return on({0, 0, 0, 1000, b}, 200); };
+  EXPECT_EQ(fit(flat(0.11), VEXOLAB_ELLIPSE, kPlain).code, 0);
+  EXPECT_EQ(fit(flat(0.09), VEXOLAB_ELLIPSE, kPlain).code,
+            VEXOLAB_E_DEGENERATE);
+}
+
+TEST(FitEllipse, AxisAboveAHundredExtentsIsRefused) {
+  // The end of a long ellipse, about as high as wide: x from 1000 (1 - e).
+  const auto end = [](double extent) {
+    points p;
+    for (int i = -25; i <= 25; ++i) {
+      const double x = 1000 - extent * (i / 25.0) * (i / 25.0);
+      const double y = std::sqrt(1 - x * x * 1e-6) * extent / 5;
+      p.push_back({x, i < 0 ? -y : y});
+    }
+    return p;
+  };
+  EXPECT_EQ(fit(end(10.5), VEXOLAB_ELLIPSE, kPlain).code, 0);
+  EXPECT_EQ(fit(end(9.5), VEXOLAB_ELLIPSE, kPlain).code, VEXOLAB_E_DEGENERATE);
+}
+
 TEST(FitEllipse, PlainFitIsTheLeastSumOfSquaredDistances) {
   synthetic::random random(14);
   for (int trial = 0; trial < 20; ++trial) {

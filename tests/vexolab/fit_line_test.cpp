@@ -55,6 +55,22 @@ TEST(FitLine, TwoPointsAreEnough) {
   EXPECT_NEAR(r.v[3], 3, 1e-15);
 }
 
+TEST(FitLine, WithoutAnOrderTheDirectionIsToTheRight) {
+  const result r =
+      fit({{0, 0}, {-3, 4}, {-3, 4}, {0, 0}}, VEXOLAB_LINE, kPlain);
+  EXPECT_NEAR(r.v[0], 0.6, 1e-12);
+  EXPECT_NEAR(r.v[1], -0.8, 1e-12);
+}
+
+TEST(FitLine, PointsWithoutADirectionGiveALevelLine) {
+  const result r = fit({{0, 0}, {2, 0}, {2, 2}, {0, 2}}, VEXOLAB_LINE, kPlain);
+  ASSERT_EQ(r.code, 0);
+  EXPECT_EQ(r.v[0], 1);
+  EXPECT_EQ(r.v[1], 0);
+  EXPECT_EQ(r.v[2], 1);
+  EXPECT_EQ(r.v[3], 1);
+}
+
 TEST(FitLine, OneWildPointAmongFourIsLeftOut) {
   const result r = fit({{0, 0}, {10, 0}, {20, 40}, {30, 0}}, VEXOLAB_LINE);
   ASSERT_EQ(r.code, 0);
