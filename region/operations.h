@@ -157,9 +157,11 @@ void gen_se_cross(int width, int height, region* element);
 //   Throws      "realloc failed" if a coordinate leaves 32 bits, with the
 //   output
 //               untouched.
-//   Cost        Per band of rows the cheaper of two forms. Strips, for few
-//               runs: O(runs * rows of the element / 16 + strips * rows of the
-//               element), for elements of one run a row. Bits, for many: O(rows
+//   Cost        Per band of rows the cheapest of three forms. Keys, for few
+//               runs and elements of up to three runs within a column of the
+//               reference point: O(runs). Strips, for few runs: O(runs * rows
+//               of the element / 16 + strips * rows of the element), for
+//               elements of one run a row. Bits, for many: O(rows
 //               * (columns / 512) * (rows of the element + log of its width))
 //               and O(runs) to enter and leave; scratch for as many rows of
 //               bits as the element is high. Elements of any shape are exact in

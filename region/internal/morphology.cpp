@@ -7,6 +7,7 @@
 
 #include "region/internal/bit_lines.h"
 #include "region/internal/bit_morphology.h"
+#include "region/internal/key_morphology.h"
 #include "region/internal/parallel.h"
 #include "region/internal/plain_morphology.h"
 #include "region/internal/row_list.h"
@@ -20,13 +21,11 @@ struct extent {
   int64_t min_row, min_col, max_row, max_col;
 };
 
-extent extent_of(const run_view& runs, const row_list& rows) {
-  extent e{rows.row(0), INT64_MAX, rows.row(rows.count() - 1), INT64_MIN};
-  for (size_t i = 0; i < rows.count(); ++i) {
-    e.min_col = std::min<int64_t>(e.min_col, runs.begins[rows.first(i)]);
-    e.max_col = std::max<int64_t>(e.max_col, runs.ends[rows.last(i) - 1]);
-  }
-  return e;
+extent extent_of(const run_view& runs) {
+  int32_t min_col = INT32_MAX;
+  int32_t max_col = INT32_MIN;
+  kernels().span(runs.begins, runs.ends, runs.count, &min_col, &max_col);
+  return {runs.rows[0], min_col, runs.rows[runs.count - 1], max_col};
 }
 
 extent extent_of(const element_runs& element) {
@@ -96,9 +95,10 @@ class morphology {
       : what_(what),
         source_(source),
         rows_(rows),
+        element_(element),
         plan_(element),
         strip_(element),
-        source_extent_(extent_of(source, rows)),
+        source_extent_(extent_of(source)),
         element_extent_(extent_of(element)) {}
 
   // Elements that are no strips leave bits or nothing but runs.
@@ -139,6 +139,7 @@ class morphology {
   // of two. Strips are counted only if they could win.
   void run(const band& b, run_buffer* out) const {
     const morphology_form form = g_form.load(std::memory_order_relaxed);
+    if (by_keys(b, form) && append_keys(b, out)) return;
     if (strips_possible() && form != morphology_form::bits) {
       const load l = load_of(b);
       const bool surely = form == morphology_form::strips;
@@ -161,6 +162,25 @@ class morphology {
     }
   }
 
+  bool by_keys(const band& b, morphology_form form) const {
+    if (!key_morphology::possible(element_)) return false;
+    if (form != morphology_form::cheapest) return form == morphology_form::keys;
+    const load l = load_of(b);
+    return key_cost(l.runs) < bit_cost(l);
+  }
+
+  bool append_keys(const band& b, run_buffer* out) const {
+    out->ensure(out->size() + static_cast<size_t>(1.25 * load_of(b).runs));
+    const key_columns columns{static_cast<int32_t>(source_extent_.min_col),
+                              static_cast<int32_t>(source_extent_.max_col)};
+    return key_morphology(source_, rows_, element_,
+                          what_ == kind::dilation
+                              ? key_morphology::of::unions
+                              : key_morphology::of::intersections,
+                          columns)
+        .append(b.first_row, b.last_row, out);
+  }
+
   // A source band: what the costs depend on.
   struct load {
     double runs;
@@ -171,6 +191,11 @@ class morphology {
     const size_t last = rows_.find(b.last_row - element_extent_.min_row + 1);
     return {static_cast<double>(rows_.first(last) - rows_.first(first)),
             static_cast<double>(last - first)};
+  }
+
+  // With vectors, less than that of strips whatever the picture.
+  double key_cost(double runs) const {
+    return runs * (1 + 1.3 * static_cast<double>(element_.size()));
   }
 
   double strip_cost(double runs, double strips) const {
@@ -198,6 +223,7 @@ class morphology {
   const kind what_;
   const run_view& source_;
   const row_list& rows_;
+  const element_runs& element_;
   const bit_plan plan_;
   const element_strip strip_;
   const extent source_extent_;
@@ -225,7 +251,7 @@ run_buffer dilate(const run_view& runs, const element_runs& element) {
   const run_view& source = canonical.view();
   if (source.count == 0 || element.empty()) return run_buffer();
   const row_list rows(source);
-  const extent from = extent_of(source, rows);
+  const extent from = extent_of(source);
   const extent by = extent_of(element);
   if (!fits(from + by)) throw_realloc_failed();
   if (!moderate(from) || !moderate(by) ||
@@ -242,7 +268,7 @@ run_buffer erode(const run_view& runs, const element_runs& element) {
     return run_buffer();
   const row_list rows(source);
   const element_runs mirrored = reflected(element);
-  const extent from = extent_of(source, rows);
+  const extent from = extent_of(source);
   const extent by = extent_of(mirrored);
   if (!fits(from + by) || !moderate(from) || !moderate(by) ||
       g_form.load() == morphology_form::plain)

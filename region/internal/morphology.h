@@ -20,6 +20,7 @@ run_buffer erode(const run_view& runs, const element_runs& element);
 // Which form does the work; results are the same.
 enum class morphology_form {
   cheapest,  // by the runs and rows of each band
+  keys,      // where the element allows it, else strips or bits
   strips,    // where the element allows it, else bits
   bits,
   plain

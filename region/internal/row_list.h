@@ -5,11 +5,12 @@
 #ifndef VEXO_REGION_INTERNAL_ROW_LIST_H_
 #define VEXO_REGION_INTERNAL_ROW_LIST_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "region/internal/bit_rows.h"
+#include "region/internal/memory.h"
 #include "region/internal/views.h"
 
 namespace vexo::internal {
@@ -21,19 +22,21 @@ struct row_entry {
 
 class row_list {
  public:
-  explicit row_list(const run_view& runs) {
-    const bit_kernels& k = kernels();
-    for (size_t i = 0; i < runs.count;) {
-      entries_.push_back({runs.rows[i], i});
-      i = k.row_end(runs.rows, i, runs.count);
+  explicit row_list(const run_view& runs) : entries_(most_rows(runs) + 1) {
+    // Of few runs a row, all are looked at: where a row ends comes as a
+    // surprise to the branch predictor.
+    constexpr size_t kFewRuns = 16;
+    if (runs.count < kFewRuns * (entries_.size() - 1)) {
+      add_each(runs);
+    } else {
+      add_by_search(runs);
     }
-    entries_.push_back({INT64_MAX, runs.count});
+    entries_[count_] = {INT64_MAX, runs.count};
   }
 
-  size_t count() const { return entries_.size() - 1; }
-  int64_t row(size_t i) const {
-    return entries_[i].row;
-  }  // INT64_MAX at the end
+  size_t count() const { return count_; }
+  // INT64_MAX at the end.
+  int64_t row(size_t i) const { return entries_[i].row; }
   size_t first(size_t i) const { return entries_[i].first; }
   size_t last(size_t i) const { return entries_[i + 1].first; }
   // The first one not above `row`; count() when all are above it.
@@ -52,7 +55,34 @@ class row_list {
   }
 
  private:
-  std::vector<row_entry> entries_;
+  static size_t most_rows(const run_view& runs) {
+    if (runs.count == 0) return 0;
+    const int64_t height =
+        int64_t{runs.rows[runs.count - 1]} - runs.rows[0] + 1;
+    return std::min(runs.count, static_cast<size_t>(height));
+  }
+
+  // Writes every run where the next row begins; stays there if it is of the
+  // row before.
+  void add_each(const run_view& runs) {
+    int64_t above = INT64_MIN;
+    for (size_t i = 0; i < runs.count; ++i) {
+      entries_[count_] = {runs.rows[i], i};
+      count_ += runs.rows[i] != above;
+      above = runs.rows[i];
+    }
+  }
+
+  void add_by_search(const run_view& runs) {
+    const bit_kernels& k = kernels();
+    for (size_t i = 0; i < runs.count;) {
+      entries_[count_++] = {runs.rows[i], i};
+      i = k.row_end(runs.rows, i, runs.count);
+    }
+  }
+
+  buffer<row_entry> entries_;
+  size_t count_ = 0;
 };
 
 }  // namespace vexo::internal

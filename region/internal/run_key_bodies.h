@@ -48,6 +48,12 @@ VEXO_INLINE key_extent make_body(const run_view& runs, const key_frame& frame,
   return {last_row, last_col};
 }
 
+VEXO_INLINE void move_body(const key_list& keys, uint32_t begins,
+                           uint32_t ends) {
+  for (size_t i = 0; i < keys.count; ++i) keys.begins[i] += begins;
+  for (size_t i = 0; i < keys.count; ++i) keys.ends[i] += ends;
+}
+
 VEXO_INLINE bool are_apart_body(const key_list& keys) {
   uint32_t wrong = 0;
   for (size_t i = 0; i < keys.count; ++i) {

@@ -19,6 +19,10 @@ key_extent make_plain(const run_view& runs, const key_frame& frame,
   return make_body(runs, frame, to);
 }
 
+void move_plain(const key_list& keys, uint32_t begins, uint32_t ends) {
+  move_body(keys, begins, ends);
+}
+
 bool are_apart_plain(const key_list& keys) { return are_apart_body(keys); }
 
 // Begins and ends in turn: two chains of dependent loads side by side.
@@ -83,7 +87,7 @@ size_t write_common_plain(const key_list& keys, size_t lists,
 }
 
 constexpr key_kernels kKeyKernelsPlain = {
-    widen_plain, make_plain,         are_apart_plain,
+    widen_plain, make_plain,         move_plain,        are_apart_plain,
     merge_plain, write_united_plain, write_common_plain};
 
 }  // namespace

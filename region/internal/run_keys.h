@@ -38,7 +38,7 @@ struct key_list {
 // key = (row - first_row) << bits | (column - first_col)
 struct key_frame {
   // Columns on either side that no run takes up.
-  static constexpr uint32_t kSpare = 2;
+  static constexpr uint32_t kSpare = 3;
 
   int32_t first_row = 0;
   int32_t first_col = 0;
@@ -76,6 +76,8 @@ struct key_kernels {
   // The runs' keys; of no use when the extent is not within the frame.
   key_extent (*make)(const run_view& runs, const key_frame& frame,
                      const key_list& to);
+  // Moves begins and ends by a few columns each, modulo 2^32.
+  void (*move)(const key_list& keys, uint32_t begins, uint32_t ends);
   // Whether the intervals ascend and no two of them touch.
   bool (*are_apart)(const key_list& keys);
   // Sorts the begins of both, and the ends; to.count is the sum of the counts.

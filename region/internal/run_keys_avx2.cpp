@@ -28,6 +28,11 @@ VEXO_TARGET key_extent make_avx2(const run_view& runs, const key_frame& frame,
   return make_body(runs, frame, to);
 }
 
+VEXO_TARGET void move_avx2(const key_list& keys, uint32_t begins,
+                           uint32_t ends) {
+  move_body(keys, begins, ends);
+}
+
 VEXO_TARGET bool are_apart_avx2(const key_list& keys) {
   return are_apart_body(keys);
 }
@@ -181,9 +186,9 @@ VEXO_TARGET size_t write_common_avx2(const key_list& keys, size_t lists,
 
 }  // namespace
 
-const key_kernels kKeyKernelsAvx2 = {widen_avx2,        make_avx2,
-                                     are_apart_avx2,    merge_avx2,
-                                     write_united_avx2, write_common_avx2};
+const key_kernels kKeyKernelsAvx2 = {
+    widen_avx2, make_avx2,         move_avx2,        are_apart_avx2,
+    merge_avx2, write_united_avx2, write_common_avx2};
 
 }  // namespace vexo::internal
 

@@ -29,6 +29,11 @@ VEXO_TARGET key_extent make_avx512(const run_view& runs, const key_frame& frame,
   return make_body(runs, frame, to);
 }
 
+VEXO_TARGET void move_avx512(const key_list& keys, uint32_t begins,
+                             uint32_t ends) {
+  move_body(keys, begins, ends);
+}
+
 VEXO_TARGET bool are_apart_avx512(const key_list& keys) {
   return are_apart_body(keys);
 }
@@ -110,6 +115,14 @@ struct vector_decoder {
   }
 };
 
+// The number of lanes. GCC 12, short of registers, stores a mask as 16 bits and
+// counts those of 32: it has to hold the number in a general register.
+VEXO_TARGET VEXO_INLINE size_t count_of(__mmask16 mask) {
+  uint32_t bits = mask;
+  asm("" : "+r"(bits));
+  return static_cast<size_t>(_mm_popcnt_u32(bits));
+}
+
 VEXO_TARGET size_t write_united_avx512(const key_list& keys,
                                        const key_frame& frame, int32_t* rows,
                                        int32_t* begins, int32_t* ends) {
@@ -131,8 +144,8 @@ VEXO_TARGET size_t write_united_avx512(const key_list& keys,
     d.rows(first, rows + started);
     d.cols(first, begins + started);
     d.cols(_mm512_maskz_compress_epi32(stops, end), ends + stopped);
-    started += static_cast<size_t>(_mm_popcnt_u32(starts));
-    stopped += static_cast<size_t>(_mm_popcnt_u32(stops));
+    started += count_of(starts);
+    stopped += count_of(stops);
   }
   return started;
 }
@@ -153,7 +166,7 @@ VEXO_TARGET size_t write_common_avx512(const key_list& keys, size_t lists,
     d.rows(first, rows + n);
     d.cols(first, begins + n);
     d.cols(_mm512_maskz_compress_epi32(common, end), ends + n);
-    n += static_cast<size_t>(_mm_popcnt_u32(common));
+    n += count_of(common);
   }
   return n;
 }
@@ -161,7 +174,7 @@ VEXO_TARGET size_t write_common_avx512(const key_list& keys, size_t lists,
 }  // namespace
 
 const key_kernels kKeyKernelsAvx512 = {
-    widen_avx512, make_avx512,         are_apart_avx512,
+    widen_avx512, make_avx512,         move_avx512,        are_apart_avx512,
     merge_avx512, write_united_avx512, write_common_avx512};
 
 }  // namespace vexo::internal

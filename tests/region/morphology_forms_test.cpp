@@ -55,7 +55,7 @@ TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
     const Runs dilated = oracle_dilate(pixels, steps).runs();
     const Runs eroded = oracle_erode(pixels, steps).runs();
     for (const morphology_form form :
-         {morphology_form::strips, morphology_form::bits,
+         {morphology_form::keys, morphology_form::strips, morphology_form::bits,
           morphology_form::plain, morphology_form::cheapest}) {
       SCOPED_TRACE(static_cast<int>(form));
       vexo::internal::set_morphology_form(form);
@@ -67,8 +67,8 @@ TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
 }
 
 constexpr morphology_form kForms[] = {
-    morphology_form::cheapest, morphology_form::strips, morphology_form::bits,
-    morphology_form::plain};
+    morphology_form::cheapest, morphology_form::keys, morphology_form::strips,
+    morphology_form::bits, morphology_form::plain};
 
 // Larger than any vector, several bands high, with rows and columns of nothing.
 region large_region(uint64_t seed) {
