@@ -6,7 +6,6 @@
 
 #include "app/view/view_globals.h"
 #include "tests/tools/recorded_library.h"
-#include "tests/windows/gui_objects.h"
 #include "tests/windows/main_dialog.h"
 
 namespace {
@@ -249,28 +248,6 @@ TEST_F(DialogMeasure, OutOfMemoryEndsInRedAndKeepsTheResults) {
                               return call.rfind("clear_mems", 0) == 0;
                             }),
               4);
-  });
-}
-
-// With the library itself.
-TEST_F(DialogMeasure, HundredPressesLeaveNoBlockBehind) {
-  RunWithImage(Wall(), [&] {
-    const auto press = [&](int times) {
-      for (int i = 0; i < times; ++i) {
-        for (const int mode : kModeButtons) {
-          Click(mode);
-          Click(1017);
-        }
-        Click(1022);
-        Tick();
-      }
-    };
-    press(10);
-    const size_t blocks = LiveHeapBlocks();
-    const size_t objects = LiveGdiObjects();
-    press(100);
-    EXPECT_LE(LiveHeapBlocks(), blocks + 20);
-    EXPECT_LE(LiveGdiObjects(), objects);
   });
 }
 

@@ -29,12 +29,6 @@ namespace fs = std::filesystem;
 
 constexpr int kShownRows = 100;
 
-fs::path FolderOfThisProgram() {
-  wchar_t path[MAX_PATH] = {};
-  ::GetModuleFileNameW(nullptr, path, MAX_PATH);
-  return fs::path(path).parent_path();
-}
-
 // A folder that goes with the test, named in Chinese.
 class Scratch {
  public:
@@ -102,11 +96,8 @@ std::vector<std::string> FeaturesOf(const vexo::region& component, int id) {
 class EndToEnd : public testing::Test {
  protected:
   void Start(const std::vector<std::wstring>& arguments = {}) {
-    program_ = std::make_unique<Process>(Program(), arguments);
+    program_ = std::make_unique<Process>(ProgramPath(), arguments);
     window_ = std::make_unique<Operator>(program_->id());
-  }
-  static std::wstring Program() {
-    return (FolderOfThisProgram() / "Rendal.exe").wstring();
   }
 
   Operator& window() { return *window_; }
@@ -310,7 +301,7 @@ std::wstring MessageBoxText(HWND box) {
 
 TEST_F(EndToEnd, SecondInstanceSaysSoAndEnds) {
   Start();
-  Process second(Program(), {});
+  Process second(ProgramPath(), {});
   HWND box = nullptr;
   WaitUntil("the second instance's message", [&] {
     for (const HWND candidate : TopWindows(second.id())) {

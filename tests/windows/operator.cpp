@@ -184,6 +184,13 @@ void WaitUntil(const std::string& what, const std::function<bool()>& condition,
   }
 }
 
+std::wstring ProgramPath() {
+  wchar_t path[MAX_PATH] = {};
+  ::GetModuleFileNameW(nullptr, path, MAX_PATH);
+  const std::wstring self = path;
+  return self.substr(0, self.find_last_of(L'\\') + 1) + L"Rendal.exe";
+}
+
 std::vector<HWND> TopWindows(DWORD process_id) {
   return FindTopWindows([process_id](HWND window) {
     return ::IsWindowVisible(window) && ProcessOf(window) == process_id;
@@ -268,6 +275,38 @@ void Operator::Press(int id) const {
                              " is disabled");
   }
   ::PostMessageW(button, BM_CLICK, 0, 0);
+}
+
+void Operator::Click(int id) const { Send(Control(id), BM_CLICK); }
+
+void Operator::Select(int id, int index) const {
+  const HWND combo = Control(id);
+  if (Send(combo, CB_SETCURSEL, static_cast<WPARAM>(index)) != index) {
+    throw std::runtime_error("the combo box " + std::to_string(id) +
+                             " has no item " + std::to_string(index));
+  }
+  Send(dialog_, WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
+       reinterpret_cast<LPARAM>(combo));
+}
+
+void Operator::Type(int id, const std::wstring& text) const {
+  Send(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+SIZE Operator::ViewSize() const {
+  RECT place = {};
+  ::GetWindowRect(Control(IDC_VIEW), &place);
+  return {place.right - place.left, place.bottom - place.top};
+}
+
+void Operator::Drag(POINT from, POINT to) const {
+  const HWND image = ::GetWindow(Control(IDC_VIEW), GW_CHILD);
+  const LPARAM start = MAKELPARAM(from.x, from.y);
+  const LPARAM end = MAKELPARAM(to.x, to.y);
+  Send(image, WM_MOUSEMOVE, 0, start);
+  Send(image, WM_LBUTTONDOWN, MK_LBUTTON, start);
+  Send(image, WM_MOUSEMOVE, MK_LBUTTON, end);
+  Send(image, WM_LBUTTONUP, 0, end);
 }
 
 void Operator::SetSpin(int id, int position) const {

@@ -27,6 +27,9 @@ std::wstring Wide(const std::string& utf8);
 void WaitUntil(const std::string& what, const std::function<bool()>& condition,
                int patience_ms = kPatienceMs);
 
+// The program's file, beside the one that is running.
+std::wstring ProgramPath();
+
 // The visible top-level windows of one process.
 std::vector<HWND> TopWindows(DWORD process_id);
 
@@ -64,9 +67,20 @@ class Operator {
   std::wstring Status() const;
   // Posts a click; returns without waiting for what the button does.
   void Press(int id) const;
+  // Clicks a button and returns when its handler has. For buttons that open no
+  // window.
+  void Click(int id) const;
+  // Selects an item of a combo box, which tells the dialog.
+  void Select(int id, int index) const;
+  // Replaces the text of an edit box, which tells the dialog.
+  void Type(int id, const std::wstring& text) const;
   // Sets a spin's position; its edit follows.
   void SetSpin(int id, int position) const;
   int SpinPosition(int id) const;
+
+  // The image view, and a drag in it with the left button; view pixels.
+  SIZE ViewSize() const;
+  void Drag(POINT from, POINT to) const;
 
   // Clear display: empties the status label, so that the next message is seen
   // to be new.

@@ -28,6 +28,10 @@ constexpr char kUsage[] =
     "  threshold           presses \"threshold\"\n"
     "  connection          presses \"connection\"\n"
     "  rows                prints the region list\n"
+    "  click ID            clicks a button\n"
+    "  select ID INDEX     selects an item of a combo box\n"
+    "  type ID TEXT        replaces the text of an edit box\n"
+    "  drag X Y X2 Y2      drags in the image view, in view pixels\n"
     "  console TEXT        prints the console's text once it has TEXT\n"
     "  close               ends the program\n";
 
@@ -118,6 +122,15 @@ bool Run(const std::vector<std::wstring>& words) {
     Connect();
   } else if (step == L"rows" && words.size() == 1) {
     PrintRows();
+  } else if (step == L"click" && words.size() == 2) {
+    Operator().Click(std::stoi(words[1]));
+  } else if (step == L"select" && words.size() == 3) {
+    Operator().Select(std::stoi(words[1]), std::stoi(words[2]));
+  } else if (step == L"type" && words.size() == 3) {
+    Operator().Type(std::stoi(words[1]), words[2]);
+  } else if (step == L"drag" && words.size() == 5) {
+    Operator().Drag({std::stoi(words[1]), std::stoi(words[2])},
+                    {std::stoi(words[3]), std::stoi(words[4])});
   } else if (step == L"console" && words.size() == 2) {
     Print(Operator().ConsoleTextWith(words[1]));
   } else if (step == L"close" && words.size() == 1) {
