@@ -230,6 +230,15 @@ TEST_F(RefreshWithResults, EveryRecordIsDrawnWhenShown) {
   EXPECT_EQ(Count(kBlue), 200);
 }
 
+TEST_F(RefreshWithResults, ResultsAreDrawnOverTheRegionOfInterest) {
+  m_bench.m_results.clear();
+  Refresh();
+  EXPECT_EQ(At(132, 100), Pixel(0, 255, 255));  // on the line of interest
+  m_bench.m_results.push_back({{}, {{60, 40}}, {}});
+  Refresh();
+  EXPECT_EQ(At(132, 100), kMagenta);
+}
+
 TEST_F(RefreshWithResults, HiddenResultsLeaveTheRegionOfInterest) {
   m_bench.m_hideResults = 1;
   Refresh();
