@@ -8,6 +8,8 @@
 #include "region/internal/hull.h"
 #include "region/internal/memory.h"
 #include "region/internal/rectangle.h"
+#include "region/internal/run_sums.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace vexo {
@@ -17,53 +19,11 @@ using internal::buffer;
 using internal::chord_view;
 using internal::hull;
 using internal::hull_memory;
+using internal::run_sums;
 using internal::run_view;
+using internal::vector_level;
 
 constexpr double kPi = 3.141592653589793;
-
-// What one pass over the runs gives. Sums are about the first run's begin and
-// row, in whole numbers that may wrap: whether they have is seen afterwards,
-// from the area and the bounding box.
-struct run_sums {
-  int32_t min_col, max_col;
-  bool rows_in_order = true;
-  int64_t area = 0;
-  uint64_t x2 = 0;    // 2 * sum of x
-  uint64_t y = 0;     // sum of y
-  uint64_t xx12 = 0;  // 12 * sum of x^2
-  uint64_t xy2 = 0;   // 2 * sum of x * y
-  uint64_t yy = 0;    // sum of y^2
-};
-
-// With n pixels from b to e and s = b + e, a run adds n s / 2 to the sum of x
-// and n (3 s^2 + n^2 - 1) / 12 to that of x^2.
-template <class View>
-run_sums sum_runs(const View& runs) {
-  const int64_t col = runs.begin(0);
-  const int64_t row = runs.row(0);
-  int32_t previous = runs.row(0);
-  run_sums sums{runs.begin(0), runs.end(0)};
-  for (size_t i = 0; i < runs.count; ++i) {
-    sums.rows_in_order &= runs.row(i) >= previous;
-    previous = runs.row(i);
-    sums.min_col = std::min(sums.min_col, runs.begin(i));
-    sums.max_col = std::max(sums.max_col, runs.end(i));
-    const auto y = static_cast<uint64_t>(runs.row(i) - row);
-    const auto s =
-        static_cast<uint64_t>(runs.begin(i) + (runs.end(i) - 2 * col));
-    const int64_t pixels = int64_t{runs.end(i)} - runs.begin(i) + 1;
-    sums.area += pixels;
-    const auto n = static_cast<uint64_t>(pixels);
-    const uint64_t ns = n * s;
-    const uint64_t ny = n * y;
-    sums.x2 += ns;
-    sums.y += ny;
-    sums.xx12 += n * (3 * s * s + n * n - 1);
-    sums.xy2 += ns * y;
-    sums.yy += ny * y;
-  }
-  return sums;
-}
 
 struct central_moments {
   double center_col, center_row;
@@ -102,8 +62,7 @@ central_moments exact_moments(const run_sums& sums, int64_t col0,
 
 // For regions whose sums do not fit whole numbers: about the middle of the
 // bounding box, in real numbers.
-template <class View>
-central_moments rounded_moments(const View& runs, const int32_t* bbox,
+central_moments rounded_moments(const run_view& runs, const int32_t* bbox,
                                 double area) {
   const double col = (static_cast<double>(bbox[1]) + bbox[3]) / 2;
   const double row = (static_cast<double>(bbox[0]) + bbox[2]) / 2;
@@ -130,8 +89,7 @@ void clear_features(region* r) {
 }
 
 // Two pixels have closed forms, whose decimals are kept as they are.
-template <class View>
-void pair_features(const View& runs, region* r) {
+void pair_features(const run_view& runs, region* r) {
   const size_t last = runs.count - 1;
   const double first_col = runs.begin(0), first_row = runs.row(0);
   const double last_col = runs.end(last), last_row = runs.row(last);
@@ -177,14 +135,15 @@ void run_features(const int32_t* bbox, double area, region* r) {
 }
 
 // The pixel farthest from the centre is a corner of the hull.
-void hull_features(const hull& corners, const int32_t* bbox, double area,
+template <class T>
+void hull_features(const hull<T>& corners, const int32_t* bbox, double area,
                    region* r) {
   const double x = r->reals[0] - bbox[1];
   const double y = r->reals[1] - bbox[0];
   double max2 = 0;
   for (size_t i = 0; i < corners.size; ++i) {
-    const double dx = corners.x[i] - x;
-    const double dy = corners.y[i] - y;
+    const double dx = corners.corners[i].x - x;
+    const double dy = corners.corners[i].y - y;
     max2 = std::max(max2, dx * dx + dy * dy);
   }
   r->more_reals[2] = std::min(1.0, area / (kPi * max2));
@@ -194,9 +153,21 @@ void hull_features(const hull& corners, const int32_t* bbox, double area,
   r->more_reals[0] = internal::rectangle_angle(box);
 }
 
-template <class View>
-void fill_in_order(const View& runs, const run_sums& sums, hull_memory* memory,
-                   region* r) {
+hull<int16_t> narrow_hull(const run_view& runs, const run_sums& sums,
+                          const int32_t* bbox, hull_memory* memory) {
+#ifdef VEXO_X86_VECTORS
+  const bool no_gap =
+      sums.rows == static_cast<size_t>(int64_t{bbox[2]} - bbox[0] + 1);
+  if (no_gap && sums.columns_in_order &&
+      internal::current_vector_level() == vector_level::kAvx512) {
+    return internal::hull_of_rows_avx512(runs, sums.rows, bbox[1], memory);
+  }
+#endif
+  return internal::hull_of<int16_t>(runs, bbox, memory);
+}
+
+// Bounding box and area; what else stands there when there is one pixel.
+void start_features(const run_view& runs, const run_sums& sums, region* r) {
   const int32_t bbox[4] = {runs.row(0), sums.min_col, runs.row(runs.count - 1),
                            sums.max_col};
   std::copy(bbox, bbox + 4, r->bbox);
@@ -204,32 +175,39 @@ void fill_in_order(const View& runs, const run_sums& sums, hull_memory* memory,
   clear_features(r);
   r->reals[0] = runs.begin(0);
   r->reals[1] = runs.row(0);
+}
+
+void fill_in_order(const run_view& runs, const run_sums& sums,
+                   hull_memory* memory, region* r) {
+  start_features(runs, sums, r);
   if (sums.area < 2) return;
   if (sums.area == 2) return pair_features(runs, r);
+  const int32_t* const bbox = r->bbox;
   const auto area = static_cast<double>(sums.area);
   if (runs.count == 1) return run_features(bbox, area, r);
-  const double extent = std::max(static_cast<double>(bbox[2]) - bbox[0],
-                                 static_cast<double>(bbox[3]) - bbox[1]) +
-                        1;
+  const int64_t extent =
+      std::max(int64_t{bbox[2]} - bbox[0], int64_t{bbox[3]} - bbox[1]);
+  const double extent1 = static_cast<double>(extent) + 1;
   // 13 * area * extent^2 bounds every sum and every step towards it.
-  const bool exact = 13 * area * extent * extent < 9e18;
+  const bool exact = 13 * area * extent1 * extent1 < 9e18;
   moment_features(exact ? exact_moments(sums, runs.begin(0), runs.row(0))
                         : rounded_moments(runs, bbox, area),
                   r);
-  hull_features(internal::hull_of(runs, bbox, memory), bbox, area, r);
+  if (extent < internal::kNarrowExtent) {
+    hull_features(narrow_hull(runs, sums, bbox, memory), bbox, area, r);
+  } else {
+    hull_features(internal::hull_of<double>(runs, bbox, memory), bbox, area, r);
+  }
 }
 
-template <class View>
-void fill_features(const View& runs, hull_memory* memory, region* r) {
-  const run_sums sums = sum_runs(runs);
-  if (sums.rows_in_order) return fill_in_order(runs, sums, memory, r);
-  buffer<chord> sorted(runs.count);
-  for (size_t i = 0; i < runs.count; ++i) {
-    sorted[i] = {runs.begin(i), runs.end(i), runs.row(i), 0};
+run_sums sum_runs(const run_view& runs) {
+#ifdef VEXO_X86_VECTORS
+  if (runs.count > 2 &&
+      internal::current_vector_level() == vector_level::kAvx512) {
+    return internal::sum_runs_avx512(runs);
   }
-  std::sort(sorted.begin(), sorted.end(), std::less<chord>());
-  const chord_view in_order{sorted.data(), runs.count};
-  fill_in_order(in_order, sum_runs(in_order), memory, r);
+#endif
+  return internal::sum_runs_plain(runs);
 }
 
 }  // namespace
@@ -237,11 +215,19 @@ void fill_features(const View& runs, hull_memory* memory, region* r) {
 namespace internal {
 
 void compute_features(const run_view& runs, hull_memory* memory, region* r) {
-  fill_features(runs, memory, r);
+  const run_sums sums = sum_runs(runs);
+  if (sums.rows_in_order) return fill_in_order(runs, sums, memory, r);
+  buffer<chord> sorted(runs.count);
+  for (size_t i = 0; i < runs.count; ++i) {
+    sorted[i] = {runs.begin(i), runs.end(i), runs.row(i), 0};
+  }
+  std::sort(sorted.begin(), sorted.end(), std::less<chord>());
+  compute_features(chord_view{sorted.data(), runs.count}, memory, r);
 }
 
-void compute_features(const chord_view& runs, hull_memory* memory, region* r) {
-  fill_features(runs, memory, r);
+void compute_features(const chord_view& chords, hull_memory* memory,
+                      region* r) {
+  compute_features(memory->as_runs(chords), memory, r);
 }
 
 }  // namespace internal
@@ -250,9 +236,9 @@ void compute_features(region* r) {
   if (r->child_count > 0) return;
   hull_memory memory;
   if (r->run_count > 0) {
-    fill_features(internal::runs_of(*r), &memory, r);
+    internal::compute_features(internal::runs_of(*r), &memory, r);
   } else if (r->chord_count > 0) {
-    fill_features(internal::chords_of(*r), &memory, r);
+    internal::compute_features(internal::chords_of(*r), &memory, r);
   }
 }
 

@@ -1,119 +1,165 @@
 // SPDX-License-Identifier: MIT
 //
-// The convex hull of a region's pixel centres.
+// The convex hull of a region's pixel centres, in 16-bit whole numbers where
+// the region is small enough and in real numbers where it is not.
 #ifndef VEXO_REGION_INTERNAL_HULL_H_
 #define VEXO_REGION_INTERNAL_HULL_H_
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "region/internal/memory.h"
 #include "region/internal/views.h"
 
 namespace vexo::internal {
 
-// Corners relative to the bounding box's first column and row, each a strict
-// left turn (columns right, rows down). Two when all pixels lie on a line. The
-// first corner stands again behind the last; kSlack entries can be read.
-struct hull {
-  static constexpr size_t kSlack = 8;
+template <class T>
+struct point {
+  T x;
+  T y;
+};
 
-  const double* x;
-  const double* y;
+using narrow_point = point<int16_t>;
+using wide_point = point<double>;
+
+// Extents for which narrow points do, and all sums of two products of their
+// differences fit 32 bits.
+constexpr int64_t kNarrowExtent = 1 << 14;
+
+// What products of differences are computed in.
+template <class T>
+using product = std::conditional_t<std::is_same_v<T, int16_t>, int32_t, T>;
+
+// Corners relative to the bounding box's first column and row, each a strict
+// left turn (columns right, rows down). Two when all pixels lie on a line.
+// Behind the last stands the first, kSlack times.
+template <class T>
+struct hull {
+  static constexpr size_t kSlack = 16;
+
+  const point<T>* corners;
   size_t size;
 };
 
-// Grows to the tallest region that it has been used for. Small ones take none
-// from the heap.
+// Memory of one thread for many regions: grows to the tallest of them.
 class hull_memory {
  public:
-  void ensure(size_t n) {
-    if (n <= kSmall) return;
-    x_.ensure(n);
-    y_.ensure(n);
+  // Room for a hull of n corners.
+  template <class T>
+  point<T>* corners(size_t n) {
+    buffer<point<T>>& all = points(point<T>());
+    all.ensure(n + hull<T>::kSlack);
+    return all.data();
   }
-  double* x() { return x_.size() > 0 ? x_.data() : small_x_; }
-  double* y() { return y_.size() > 0 ? y_.data() : small_y_; }
+  // Room for the right and the left ends of n rows, with what vectors may
+  // overrun.
+  struct ends {
+    int32_t *right, *left;
+    narrow_point *right_corners, *left_corners;
+  };
+  ends row_ends(size_t n) {
+    constexpr size_t kOverrun = 16;
+    columns_.ensure(2 * (n + kOverrun));
+    candidates_.ensure(2 * (n + kOverrun));
+    return {columns_.data(), columns_.data() + n + kOverrun, candidates_.data(),
+            candidates_.data() + n + kOverrun};
+  }
+
+  // The same runs in the other form, until the next use.
+  run_view as_runs(const chord_view& chords) {
+    const size_t n = chords.count;
+    runs_.ensure(3 * n);
+    int32_t* const to = runs_.data();
+    for (size_t i = 0; i < n; ++i) {
+      to[i] = chords.row(i);
+      to[n + i] = chords.begin(i);
+      to[2 * n + i] = chords.end(i);
+    }
+    return {to, to + n, to + 2 * n, n};
+  }
 
  private:
-  static constexpr size_t kSmall = 128;
-  double small_x_[kSmall], small_y_[kSmall];
-  buffer<double> x_, y_;
+  buffer<narrow_point>& points(narrow_point) { return narrow_; }
+  buffer<wide_point>& points(wide_point) { return wide_; }
+
+  buffer<narrow_point> narrow_;
+  buffer<wide_point> wide_;
+  buffer<int32_t> columns_;
+  buffer<narrow_point> candidates_;
+  buffer<int32_t> runs_;
 };
 
-namespace hull_detail {
-
 // Both chains of corners: down the right ends of the rows, up their left ends.
-class builder {
+template <class T>
+class hull_builder {
  public:
-  builder(double* x, double* y) : x_(x), y_(y) {}
+  explicit hull_builder(point<T>* corners) : corners_(corners) {}
 
-  void push(double x, double y) {
-    while (size_ >= chain_ + 2 && !left_turn(x, y)) --size_;
-    x_[size_] = x;
-    y_[size_] = y;
-    ++size_;
+  void push(point<T> p) {
+    while (size_ >= chain_ + 2 && !left_turn(p)) --size_;
+    corners_[size_++] = p;
   }
   void start_second_chain() { chain_ = size_; }
 
   // The chains may share their first and their last corners.
-  hull close() {
-    if (x_[size_ - 1] == x_[0] && y_[size_ - 1] == y_[0]) --size_;
-    if (chain_ < size_ && x_[chain_] == x_[chain_ - 1] &&
-        y_[chain_] == y_[chain_ - 1]) {
-      std::copy(x_ + chain_ + 1, x_ + size_, x_ + chain_);
-      std::copy(y_ + chain_ + 1, y_ + size_, y_ + chain_);
+  hull<T> close() {
+    if (same(corners_[size_ - 1], corners_[0])) --size_;
+    if (chain_ < size_ && same(corners_[chain_], corners_[chain_ - 1])) {
+      std::copy(corners_ + chain_ + 1, corners_ + size_, corners_ + chain_);
       --size_;
     }
-    x_[size_] = x_[0];
-    y_[size_] = y_[0];
-    return {x_, y_, size_};
+    std::fill_n(corners_ + size_, hull<T>::kSlack, corners_[0]);
+    return {corners_, size_};
   }
 
  private:
-  bool left_turn(double x, double y) const {
-    const double ax = x_[size_ - 1] - x_[size_ - 2];
-    const double ay = y_[size_ - 1] - y_[size_ - 2];
-    return ax * (y - y_[size_ - 1]) - ay * (x - x_[size_ - 1]) > 0;
+  static bool same(const point<T>& a, const point<T>& b) {
+    return a.x == b.x && a.y == b.y;
+  }
+  bool left_turn(const point<T>& p) const {
+    using P = product<T>;
+    const point<T>& a = corners_[size_ - 2];
+    const point<T>& b = corners_[size_ - 1];
+    return P(b.x - a.x) * P(p.y - b.y) - P(b.y - a.y) * P(p.x - b.x) > 0;
   }
 
-  double* x_;
-  double* y_;
+  point<T>* corners_;
   size_t size_ = 0;
   size_t chain_ = 0;
 };
 
-}  // namespace hull_detail
-
 // runs: at least one, rows in order. Only the outermost ends of a row can be
 // corners. The result lives in `memory` until its next use.
-template <class View>
-hull hull_of(const View& runs, const int32_t* bbox, hull_memory* memory) {
+template <class T>
+hull<T> hull_of(const run_view& runs, const int32_t* bbox,
+                hull_memory* memory) {
   const int64_t rows = int64_t{bbox[2]} - bbox[0] + 1;
   const auto most = 2 * std::min(static_cast<size_t>(rows), runs.count) + 2;
-  memory->ensure(most);
-  hull_detail::builder corners(memory->x(), memory->y());
-  const double col0 = bbox[1];
-  const double row0 = bbox[0];
+  hull_builder<T> builder(memory->corners<T>(most));
+  const auto push = [&](int32_t col, int32_t row) {
+    builder.push({static_cast<T>(int64_t{col} - bbox[1]),
+                  static_cast<T>(int64_t{row} - bbox[0])});
+  };
   for (size_t i = 0; i < runs.count;) {
     const int32_t row = runs.row(i);
     int32_t end = runs.end(i);
     while (++i < runs.count && runs.row(i) == row) {
       end = std::max(end, runs.end(i));
     }
-    corners.push(end - col0, row - row0);
+    push(end, row);
   }
-  corners.start_second_chain();
+  builder.start_second_chain();
   for (size_t i = runs.count; i > 0;) {
     const int32_t row = runs.row(--i);
     int32_t begin = runs.begin(i);
     while (i > 0 && runs.row(i - 1) == row) {
       begin = std::min(begin, runs.begin(--i));
     }
-    corners.push(begin - col0, row - row0);
+    push(begin, row);
   }
-  return corners.close();
+  return builder.close();
 }
 
 }  // namespace vexo::internal

@@ -22,7 +22,8 @@ struct rectangle {
 // quadrant) and side_h is 0.
 //
 // Cost: O(n) for large n; all edges at once, O(n^2), for few corners.
-rectangle smallest_rectangle(const hull& corners);
+template <class T>
+rectangle smallest_rectangle(const hull<T>& corners);
 
 // The direction of the longer side, side_w's only if it is strictly longer, in
 // degrees in (-90, 90]; 0 along a row, positive when rising to the right.

@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "pictures.h"
 #include "random_regions.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace {
@@ -347,6 +349,68 @@ TEST(Features, RectangleOfALargeTiltedEllipse) {
   EXPECT_NEAR(r.ra(), 70, 0.5);
   EXPECT_NEAR(r.rb(), 30, 0.5);
   EXPECT_NEAR(r.phi(), -std::atan2(0.6, 0.8) * 180 / kPi, 0.5);
+}
+
+// Shapes of all kinds: gaps between rows, several runs a row, hulls of a few
+// and of many corners, each also stretched until 16 bits do not hold it.
+std::vector<Runs> shapes() {
+  std::vector<Runs> all;
+  for (uint64_t seed = 0; seed < 400; ++seed) {
+    const int size = seed % 5 == 0 ? 150 : 20;
+    Runs runs = vexo_test::runs_in(vexo_test::random_picture(seed, size));
+    if (runs.empty()) continue;
+    all.push_back(runs);
+    for (Run& run : runs) {
+      run = {run.row * 900, run.begin * 1100, run.end * 1100};
+    }
+    all.push_back(runs);
+  }
+  for (int radius : {3, 9, 40, 170}) {
+    Runs disc;
+    for (int y = -radius; y <= radius; ++y) {
+      const int half = static_cast<int>(std::sqrt(radius * radius - y * y));
+      disc.push_back({y, y / 3 - half, y / 3 + half});
+    }
+    all.push_back(disc);
+  }
+  return all;
+}
+
+bool same_features(const region& a, const region& b) {
+  return a.area == b.area && std::memcmp(a.bbox, b.bbox, sizeof(a.bbox)) == 0 &&
+         std::memcmp(a.reals, b.reals, sizeof(a.reals)) == 0 &&
+         std::memcmp(a.more_reals, b.more_reals, sizeof(a.more_reals)) == 0;
+}
+
+TEST(Features, EveryVectorWidthGivesTheSameBytes) {
+  using vexo::internal::vector_level;
+  for (const Runs& runs : shapes()) {
+    vexo::internal::set_vector_limit(vector_level::kPlain);
+    const region plain = with_features(runs);
+    vexo::internal::set_vector_limit(vector_level::kAvx2);
+    const region avx2 = with_features(runs);
+    vexo::internal::set_vector_limit(vector_level::kAvx512);
+    const region avx512 = with_features(runs);
+    ASSERT_TRUE(same_features(plain, avx2)) << runs.size();
+    ASSERT_TRUE(same_features(plain, avx512)) << runs.size();
+  }
+}
+
+TEST(Features, RectanglesOfWideRegionsAreTheSmallest) {
+  int checked = 0;
+  for (uint64_t seed = 0; seed < 100; ++seed) {
+    Runs runs = vexo_test::runs_in(vexo_test::random_picture(seed, 14));
+    std::vector<Pixel> ends;
+    for (auto& run : runs) {
+      run = {run.row * 70000, run.begin * 90000, run.end * 90000};
+      ends.push_back({double(run.begin), double(run.row)});
+      ends.push_back({double(run.end), double(run.row)});
+    }
+    if (runs.size() < 3) continue;
+    expect_rectangle(with_features(runs), ends);
+    checked += 1;
+  }
+  EXPECT_GT(checked, 50);
 }
 
 }  // namespace
