@@ -19,30 +19,37 @@ namespace vexo::internal {
 namespace {
 
 // out[i] = how many of n ascending values are below limits[i] + offset, for
-// ascending limits. 16 values are compared at once, from where the search ended
-// four limits ago: so that it need not wait for the last ones' results.
+// ascending limits. 16 limits are compared with one value after the other until
+// a value is not below the last of them; those behind it count for none, so
+// they are taken eight at a time.
 VEXO_TARGET void count_below(const int32_t* values, size_t n,
                              const int32_t* limits, size_t count,
                              int32_t offset, uint32_t* out) {
   const __m512i offsets = _mm512_set1_epi32(offset);
-  size_t ago4 = 0, ago3 = 0, ago2 = 0, ago1 = 0;
-  for (size_t i = 0; i < count; ++i) {
+  const __m512i one = _mm512_set1_epi32(1);
+  size_t found = 0;
+  for (size_t i = 0; i < count; i += 16) {
+    const size_t lanes = std::min<size_t>(count - i, 16);
+    const auto some =
+        static_cast<__mmask16>(_bzhi_u32(0xffff, static_cast<uint32_t>(lanes)));
     const __m512i limit =
-        _mm512_add_epi32(_mm512_set1_epi32(limits[i]), offsets);
-    size_t found = ago4;
-    for (;;) {
-      const auto lanes = static_cast<__mmask16>(_bzhi_u32(
-          0xffff, static_cast<uint32_t>(std::min<size_t>(n - found, 16))));
-      const __m512i v = _mm512_maskz_loadu_epi32(lanes, values + found);
-      const uint32_t below = _mm512_mask_cmplt_epi32_mask(lanes, v, limit);
-      found += _tzcnt_u32(~below);
-      if (below != 0xffff) break;
+        _mm512_add_epi32(_mm512_maskz_loadu_epi32(some, limits + i), offsets);
+    const int32_t last = limits[i + lanes - 1] + offset;
+    const auto count_one = [&](__m512i below, size_t k) VEXO_TARGET {
+      return _mm512_mask_add_epi32(
+          below, _mm512_cmpgt_epi32_mask(limit, _mm512_set1_epi32(values[k])),
+          below, one);
+    };
+    __m512i below = _mm512_set1_epi32(static_cast<int32_t>(found));
+    size_t k = found;
+    for (; k + 8 <= n && values[k] < last; k += 8) {
+      for (size_t j = 0; j < 8; ++j) below = count_one(below, k + j);
     }
-    ago4 = ago3;
-    ago3 = ago2;
-    ago2 = ago1;
-    ago1 = found;
-    out[i] = static_cast<uint32_t>(found);
+    if (k + 8 > n) {
+      for (; k < n && values[k] < last; ++k) below = count_one(below, k);
+    }
+    _mm512_mask_storeu_epi32(out + i, some, below);
+    found = out[i + lanes - 1];
   }
 }
 
