@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "region/internal/parallel.h"
+#include "region/internal/row_labels.h"
 #include "region/internal/row_overlaps.h"
 #include "region/internal/union_find.h"
 
@@ -106,8 +107,7 @@ class band_labeller {
   }
 
   // Each run takes the label of the first that it touches above, or a new one;
-  // what else it touches is united with that afterwards. The only branch that
-  // depends on the picture is the rare third contact.
+  // what else it touches is united with that afterwards.
   void label_row(const run_range& above, const run_range& row) {
     if (above.count() == 0) {
       for (size_t i = row.first; i < row.last; ++i) {
@@ -117,25 +117,12 @@ class band_labeller {
       return;
     }
     find_overlaps(above, row);
-    pairs_.ensure(2 * row.count() + above.count());
-    size_t pairs = 0;
-    const int32_t* const labels_above = labels_ + above.first;
-    int32_t* const labels = labels_ + row.first;
-    for (size_t i = 0; i < row.count(); ++i) {
-      const size_t low = low_[i], high = high_[i];
-      labels[i] = parent_[next_] = next_;
-      next_ += low >= high;
-      const int32_t* const from = low < high ? labels_above + low : labels + i;
-      const int32_t label = labels[i] = *from;
-      // The entry behind the row above is that of this row's first run.
-      pairs_[pairs] = {label, labels_above[std::min(low + 1, above.count())]};
-      pairs += low + 1 < high;
-      for (size_t k = low + 2; k < high; ++k) {
-        pairs_[pairs++] = {label, labels_above[k]};
-      }
-    }
-    for (size_t i = 0; i < pairs; ++i) {
-      unite(parent_, pairs_[i].first, pairs_[i].second);
+    pairs_.clear(row.count() + above.count());
+    next_ = take_labels_({low_.data(), high_.data(), row.count()},
+                         labels_ + above.first, next_, labels_ + row.first,
+                         parent_, &pairs_);
+    for (size_t i = 0; i < pairs_.count; ++i) {
+      unite(parent_, pairs_.first[i], pairs_.second[i]);
     }
   }
 
@@ -144,9 +131,10 @@ class band_labeller {
   int32_t* labels_;
   int32_t* parent_;
   count_overlaps_function count_overlaps_;
+  take_labels_function take_labels_ = current_take_labels();
   int32_t next_ = 0;
   buffer<uint32_t> low_, high_;
-  buffer<label_pair> pairs_;
+  label_pairs pairs_;
 };
 
 // First run of the row that run i lies in.
