@@ -38,8 +38,7 @@ class child_list {
   size_t count() const { return pointers_.size(); }
 
   region* construct(size_t i, const region& input) {
-    block_->construct(i);
-    region* child = pointers_[i] = block_->child(i);
+    region* const child = pointers_[i] = block_->construct(i);
     child->width = input.width;
     child->height = input.height;
     return child;

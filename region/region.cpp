@@ -69,24 +69,6 @@ void free_run_storage(region* r) {
 
 }  // namespace
 
-region::region(int32_t* count) noexcept
-    : run_count(0),
-      rows(nullptr),
-      col_begins(nullptr),
-      col_ends(nullptr),
-      bbox{-1, -1, -1, -1},
-      reals{-1, -1, -1, -1, -1, -1, -1, -1},
-      chords(nullptr),
-      chord_count(0),
-      area(-1),
-      more_reals{-1, -1, -1},
-      width(-1),
-      height(-1),
-      child_count(0),
-      children(nullptr),
-      ref_count(count),
-      capacity(0) {}
-
 region::region() : region(kDefaultCapacity) {}
 
 region::region(int32_t n) : region(new_share_count()) {

@@ -62,28 +62,15 @@ child_block* child_block::create(size_t children, size_t payload) {
   std::align(kLine, arrays, start, bytes);
   auto* block = new (start) child_block;
   block->tenants_.store(2 * children, std::memory_order_relaxed);
-  block->children_ = children;
-  block->payload_ = static_cast<char*>(start) + arrays;
+  char* const bytes_of_block = static_cast<char*>(start);
+  block->children_ =
+      reinterpret_cast<region*>(bytes_of_block + to_lines(sizeof(child_block)));
+  block->counts_ = reinterpret_cast<share_count*>(bytes_of_block + counts);
+  block->payload_ = bytes_of_block + arrays;
   block->end_ = block->payload_ + payload;
   block->memory_ = memory;
   block->link();
   return block;
-}
-
-region* child_block::first_child() {
-  return reinterpret_cast<region*>(reinterpret_cast<char*>(this) +
-                                   to_lines(sizeof(child_block)));
-}
-
-share_count* child_block::first_count() {
-  return reinterpret_cast<share_count*>(reinterpret_cast<char*>(first_child()) +
-                                        to_lines(children_ * sizeof(region)));
-}
-
-void child_block::construct(size_t i) {
-  share_count* count = first_count() + i;
-  *count = {1, this};
-  new (first_child() + i) region(&count->count);
 }
 
 void child_block::leave(size_t n) {

@@ -30,7 +30,6 @@ class child_block {
   // failed". nullptr for no children.
   static child_block* create(size_t children, size_t payload);
 
-  region* child(size_t i) { return first_child() + i; }
   char* payload() { return payload_; }
 
   bool contains(const void* p) const {
@@ -48,17 +47,21 @@ class child_block {
 
   // Constructs child i; create() leaves that to the caller, so that it can be
   // done in parallel. Until all are constructed, discard() ends the block.
-  void construct(size_t i);
+  region* construct(size_t i) {
+    share_count* const count = counts_ + i;
+    *count = {1, this};
+    return new (child(i)) region(&count->count);
+  }
   void discard();
 
  private:
   void link();
   void unlink();
-  region* first_child();
-  share_count* first_count();
+  region* child(size_t i) { return children_ + i; }
 
   std::atomic<size_t> tenants_;
-  size_t children_;
+  region* children_;
+  share_count* counts_;
   char* payload_;
   char* end_;
   void* memory_;
@@ -72,5 +75,24 @@ inline child_block* block_of(const region& r) {
 }
 
 }  // namespace vexo::internal
+
+// Here, so that blocks of children are constructed without a call for each.
+inline vexo::region::region(int32_t* count) noexcept
+    : run_count(0),
+      rows(nullptr),
+      col_begins(nullptr),
+      col_ends(nullptr),
+      bbox{-1, -1, -1, -1},
+      reals{-1, -1, -1, -1, -1, -1, -1, -1},
+      chords(nullptr),
+      chord_count(0),
+      area(-1),
+      more_reals{-1, -1, -1},
+      width(-1),
+      height(-1),
+      child_count(0),
+      children(nullptr),
+      ref_count(count),
+      capacity(0) {}
 
 #endif  // VEXO_REGION_INTERNAL_CHILD_BLOCK_H_

@@ -22,7 +22,7 @@ inline bool in_block(const region& r, const void* array) {
 
 // Frees an array of `r`, unless it is part of the block.
 inline void free_array(const region& r, void* array) {
-  if (!in_block(r, array)) std::free(array);
+  if (array != nullptr && !in_block(r, array)) std::free(array);
 }
 
 // The same for an array that is to be replaced, while copies of `r` may live.
