@@ -7,6 +7,7 @@
 #include "region/internal/labelling.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "region/internal/parallel.h"
 #include "region/internal/row_labels.h"
@@ -193,6 +194,33 @@ int32_t number_components(const buffer<label_range>& used, int32_t* parent) {
   return next;
 }
 
+// Counts the runs of every component in every stream and turns the counts into
+// places.
+void order_by_component(const int32_t* component_of_label, labelling* all) {
+  const auto components = static_cast<size_t>(all->components);
+  const size_t runs = all->labels.size();
+  // Few enough that their tables take no more than the labels.
+  const size_t most = runs / (2 * std::max<size_t>(components, 1));
+  all->streams = 2 * std::clamp<size_t>(most, 1, piece_count(runs, kBandRuns));
+  all->starts = buffer<uint32_t>(all->streams * components);
+  std::fill(all->starts.begin(), all->starts.end(), 0u);
+  int32_t* const labels = all->labels.data();
+  for_each_run(*all, [&](size_t i, uint32_t* counts) {
+    const int32_t component = component_of_label[labels[i]];
+    labels[i] = component;
+    ++counts[component];
+  });
+  all->firsts = buffer<uint32_t>(components + 1);
+  uint32_t sum = 0;
+  for (size_t k = 0; k < components; ++k) {
+    all->firsts[k] = sum;
+    for (size_t s = 0; s < all->streams; ++s) {
+      sum += std::exchange(all->stream(s)[k], sum);
+    }
+  }
+  all->firsts[components] = sum;
+}
+
 }  // namespace
 
 labelling label_runs(const run_view& runs, int32_t reach) {
@@ -200,16 +228,10 @@ labelling label_runs(const run_view& runs, int32_t reach) {
   labelling result;
   result.labels = buffer<int32_t>(runs.count);
   buffer<int32_t> parent(runs.count + 1);
-  int32_t* const labels = result.labels.data();
-  const auto used = label_bands(runs, reach, labels, parent.data());
+  const auto used =
+      label_bands(runs, reach, result.labels.data(), parent.data());
   result.components = number_components(used, parent.data());
-  result.counts = buffer<size_t>(static_cast<size_t>(result.components));
-  std::fill(result.counts.begin(), result.counts.end(), size_t{0});
-  for (size_t i = 0; i < runs.count; ++i) {
-    const int32_t component = parent[labels[i]];
-    labels[i] = component;
-    ++result.counts[component];
-  }
+  order_by_component(parent.data(), &result);
   return result;
 }
 
