@@ -11,7 +11,8 @@ target_compile_options(rendal_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
 if(RENDAL_SANITIZE)
   target_compile_options(rendal_options INTERFACE
-    -fsanitize=${RENDAL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${RENDAL_SANITIZE} -fno-sanitize-recover=all
+    -fno-omit-frame-pointer -g1)
   target_link_options(rendal_options INTERFACE -fsanitize=${RENDAL_SANITIZE})
   # GCC takes its own instrumentation of the standard library for a mistake.
   target_compile_options(rendal_options INTERFACE
@@ -31,13 +32,10 @@ function(rendal_target target)
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
 endfunction()
 
-# rendal_compile_fast(target): for sources that are compiled more often than they
-# have work to do. Half of a suite's time was spent on optimizing its tests.
+# rendal_compile_fast(target): for sources that take longer to compile than to
+# run. Half of a suite's time was spent on optimizing its tests.
 function(rendal_compile_fast target)
   target_compile_options(${target} PRIVATE -O1)
-  if(RENDAL_SANITIZE)
-    target_compile_options(${target} PRIVATE -g1)
-  endif()
 endfunction()
 
 # rendal_test(name SOURCES file... LIBRARIES target... [LABELS label...])

@@ -106,7 +106,11 @@ class RecordedLibrary {
     Note("do_fit(%s, %d, %d, %d, %g, %d, %d)",
          points == self.points.data() ? "points" : "?", n, shape, method,
          static_cast<double>(factor), iterations, least);
-    std::copy(self.fit.begin(), self.fit.end(), result);
+    // At most as many numbers as the shape has.
+    const size_t values = shape == VEXOLAB_LINE     ? 4
+                          : shape == VEXOLAB_CIRCLE ? 3
+                                                    : 5;
+    std::copy_n(self.fit.begin(), std::min(values, self.fit.size()), result);
     return self.fit_code;
   }
   static void Band(double x1, double y1, double x2, double y2, double width,
