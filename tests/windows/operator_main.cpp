@@ -33,7 +33,8 @@ constexpr char kUsage[] =
     "  type ID TEXT        replaces the text of an edit box\n"
     "  drag X Y X2 Y2      drags in the image view, in view pixels\n"
     "  console TEXT        prints the console's text once it has TEXT\n"
-    "  close               ends the program\n";
+    "  close               ends the program\n"
+    "  desktop             keeps Wine's desktop until it is ended\n";
 
 void Print(const std::wstring& text) { std::puts(Utf8(text).c_str()); }
 
@@ -106,6 +107,14 @@ void PrintRows() {
   for (const auto& row : program.Rows()) PrintLine(row);
 }
 
+// Wine starts a desktop for the first program with windows and ends it a second
+// after the last, still holding that program's output. While this waits, one
+// desktop serves all.
+[[noreturn]] void KeepDesktop() {
+  GetDesktopWindow();
+  for (;;) Sleep(INFINITE);
+}
+
 bool Run(const std::vector<std::wstring>& words) {
   const std::wstring step = words.empty() ? L"" : words[0];
   if (step == L"wait" && words.size() == 1) {
@@ -135,6 +144,8 @@ bool Run(const std::vector<std::wstring>& words) {
     Print(Operator().ConsoleTextWith(words[1]));
   } else if (step == L"close" && words.size() == 1) {
     Operator().Close();
+  } else if (step == L"desktop" && words.size() == 1) {
+    KeepDesktop();
   } else {
     return false;
   }
