@@ -8,6 +8,8 @@
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #endif
 #include <immintrin.h>
+
+#include "region/internal/lane_count.h"
 #endif
 
 #include <algorithm>
@@ -65,7 +67,7 @@ VEXO_TARGET int32_t take_labels_avx512(const row_contacts& row,
     const __m512i own = _mm512_mask_i32gather_epi32(
         _mm512_maskz_expand_epi32(alone, fresh), touches, low, labels_above, 4);
     _mm512_mask_storeu_epi32(labels + i, lanes, own);
-    const int fresh_count = _mm_popcnt_u32(alone);
+    const auto fresh_count = static_cast<int>(lane_count(alone));
     _mm512_mask_storeu_epi32(
         parent + next, low_lanes(static_cast<size_t>(fresh_count)), fresh);
     next += fresh_count;
@@ -78,7 +80,7 @@ VEXO_TARGET int32_t take_labels_avx512(const row_contacts& row,
                           _mm512_maskz_compress_epi32(more, own));
       _mm512_storeu_si512(pairs->second.data() + pairs->count,
                           _mm512_maskz_compress_epi32(more, other));
-      pairs->count += static_cast<size_t>(_mm_popcnt_u32(more));
+      pairs->count += lane_count(more);
       further = _mm512_add_epi32(further, one);
       more = _mm512_mask_cmplt_epu32_mask(more, further, high);
     }

@@ -14,6 +14,7 @@
 #endif
 #include <immintrin.h>
 
+#include "region/internal/lane_count.h"
 #include "region/internal/row_bits.h"
 
 #define VEXO_TARGET                                           \
@@ -92,7 +93,7 @@ VEXO_TARGET size_t find_edges(const uint64_t* bits, size_t words,
     _mm512_storeu_si512(*edge_words, _mm512_maskz_compress_epi64(any, t));
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(*columns),
                         _mm256_maskz_compress_epi32(any, column));
-    const auto n = _mm_popcnt_u32(any);
+    const size_t n = lane_count(any);
     *edge_words += n;
     *columns += n;
     column = _mm256_add_epi32(column, _mm256_set1_epi32(512));

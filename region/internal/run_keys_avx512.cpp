@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "region/internal/lane_count.h"
 #include "region/internal/run_key_bodies.h"
 
 #define VEXO_TARGET \
@@ -115,14 +116,6 @@ struct vector_decoder {
   }
 };
 
-// The number of lanes. GCC 12, short of registers, stores a mask as 16 bits and
-// counts those of 32: it has to hold the number in a general register.
-VEXO_TARGET VEXO_INLINE size_t count_of(__mmask16 mask) {
-  uint32_t bits = mask;
-  asm("" : "+r"(bits));
-  return static_cast<size_t>(_mm_popcnt_u32(bits));
-}
-
 VEXO_TARGET size_t write_united_avx512(const key_list& keys,
                                        const key_frame& frame, int32_t* rows,
                                        int32_t* begins, int32_t* ends) {
@@ -144,8 +137,8 @@ VEXO_TARGET size_t write_united_avx512(const key_list& keys,
     d.rows(first, rows + started);
     d.cols(first, begins + started);
     d.cols(_mm512_maskz_compress_epi32(stops, end), ends + stopped);
-    started += count_of(starts);
-    stopped += count_of(stops);
+    started += lane_count(starts);
+    stopped += lane_count(stops);
   }
   return started;
 }
@@ -166,7 +159,7 @@ VEXO_TARGET size_t write_common_avx512(const key_list& keys, size_t lists,
     d.rows(first, rows + n);
     d.cols(first, begins + n);
     d.cols(_mm512_maskz_compress_epi32(common, end), ends + n);
-    n += count_of(common);
+    n += lane_count(common);
   }
   return n;
 }

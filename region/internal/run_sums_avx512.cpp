@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+#include "region/internal/lane_count.h"
+
 #define VEXO_TARGET \
   __attribute__((   \
       target("avx512f,avx512bw,avx512dq,avx512vl,bmi,bmi2,popcnt,lzcnt")))
@@ -64,7 +66,7 @@ VEXO_TARGET run_sums sum_runs_avx512(const run_view& runs) {
     const __m256i e0 = load8(later, runs.ends + i - 1);
     not_first = 0xff;
     const __mmask8 same = _mm256_mask_cmpeq_epi32_mask(later, r, r0);
-    same_rows += static_cast<size_t>(_mm_popcnt_u32(same));
+    same_rows += lane_count(same);
     rows_back |= _mm256_mask_cmplt_epi32_mask(later, r, r0);
     columns_back |= _mm256_mask_cmplt_epi32_mask(same, b, b0) |
                     _mm256_mask_cmplt_epi32_mask(same, e, e0);
@@ -134,8 +136,8 @@ VEXO_TARGET row_ends outermost(const run_view& runs, int32_t* right,
     _mm512_storeu_si512(
         right, _mm512_maskz_compress_epi32(
                    last, _mm512_maskz_loadu_epi32(lanes, runs.ends + i)));
-    left += _mm_popcnt_u32(first);
-    right += _mm_popcnt_u32(last);
+    left += lane_count(first);
+    right += lane_count(last);
   }
   return result;
 }
@@ -186,8 +188,8 @@ VEXO_TARGET candidate_list find_candidates(const row_ends& ends, size_t rows,
         out.left,
         _mm512_maskz_compress_epi32(
             keep_left, _mm512_or_si512(y, _mm512_sub_epi32(left, col0))));
-    out.right += _mm_popcnt_u32(keep_right);
-    out.left += _mm_popcnt_u32(keep_left);
+    out.right += lane_count(keep_right);
+    out.left += lane_count(keep_left);
     y = _mm512_add_epi32(y, _mm512_set1_epi32(16 << 16));
   }
   return out;
