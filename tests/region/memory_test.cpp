@@ -66,6 +66,26 @@ std::vector<std::string> texts(size_t mallocs, size_t reallocs) {
   return all;
 }
 
+// A chord count is 32 bits: more is refused before any memory is asked for, one
+// less is not. Where the C++ runtime is linked statically, what it asks for
+// when it throws is counted, too.
+#ifndef _WIN32
+TEST_F(Memory, MoreThan2147483647ChordsAreRefusedBeforeTheResultIsTouched) {
+  region r = vexo_test::picture({"#.#", ".#."});
+  r.to_3();
+  const auto chords = vexo_test::chords_of(r);
+  const size_t runs = r.run_count;
+  for (const size_t beyond : {size_t{1}, size_t{0}}) {
+    r.run_count = size_t{INT32_MAX} + beyond;
+    fail_request(1);
+    EXPECT_THROW(r.to_3(), std::runtime_error);
+    EXPECT_EQ(fail_request(0), beyond == 1 ? 0 : 1);
+    EXPECT_EQ(vexo_test::chords_of(r), chords);
+  }
+  r.run_count = runs;
+}
+#endif
+
 TEST_F(Memory, ConstructionTakesFourBlocksAndTheLastCopyFreesThem) {
   {
     region a;
