@@ -6,6 +6,15 @@
 #include <string>
 
 namespace rendal {
+namespace {
+
+thread_local ConsoleCapture* t_capture = nullptr;
+
+}  // namespace
+
+ConsoleCapture::ConsoleCapture() : m_outer(t_capture) { t_capture = this; }
+
+ConsoleCapture::~ConsoleCapture() { t_capture = m_outer; }
 
 void ConsolePrintf(const char* format, ...) {
   va_list arguments;
@@ -17,8 +26,12 @@ void ConsolePrintf(const char* format, ...) {
   if (length > 0) {
     std::string text(length + 1, '\0');
     std::vsnprintf(text.data(), text.size(), format, again);
-    std::fwrite(text.data(), 1, length, stdout);
-    std::fflush(stdout);
+    if (t_capture != nullptr) {
+      t_capture->m_text.append(text, 0, length);
+    } else {
+      std::fwrite(text.data(), 1, length, stdout);
+      std::fflush(stdout);
+    }
   }
   va_end(again);
 }

@@ -2,9 +2,10 @@
 #include "tools/elapsed.h"
 
 #include <chrono>
-#include <iostream>
 #include <locale>
 #include <sstream>
+
+#include "tools/console_text.h"
 
 namespace rendal {
 
@@ -16,12 +17,11 @@ int64_t SteadyNanoseconds() {
 
 double PrintElapsed(int64_t& start, std::string label) {
   const double seconds = static_cast<double>(SteadyNanoseconds() - start) / 1e9;
-  // Composed first: one write per report, and the stream's own format settings
-  // cannot change the number.
+  // A stream of its own: no locale changes the number.
   std::ostringstream text;
   text.imbue(std::locale::classic());
   text << label << "\nelasped time:" << seconds << "s\n";
-  std::cout << text.str() << std::endl;
+  ConsolePrintf("%s\n", text.str().c_str());
   start = SteadyNanoseconds();
   return seconds;
 }

@@ -76,5 +76,23 @@ TEST(ConsoleText, AddsNothingToTheFormattedText) {
   EXPECT_EQ(GetCapturedStdout(), "a 1" + std::string(1000, 'b'));
 }
 
+TEST(ConsoleCapture, TakesWhatItsOwnThreadPrints) {
+  CaptureStdout();
+  std::string inner;
+  ConsoleCapture outer;
+  ConsolePrintf("a");
+  {
+    ConsoleCapture capture;
+    int64_t start = SteadyNanoseconds() - 12345'678 * kMillisecond;
+    PrintElapsed(start, "x");
+    std::thread([] { ConsolePrintf("other"); }).join();
+    inner = capture.Text();
+  }
+  ConsolePrintf("b");
+  EXPECT_EQ(inner, "x\nelasped time:12345.7s\n\n");
+  EXPECT_EQ(outer.Text(), "ab");
+  EXPECT_EQ(GetCapturedStdout(), "other");
+}
+
 }  // namespace
 }  // namespace rendal
