@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "region/operations.h"
@@ -16,9 +17,6 @@ using vexo::region;
 
 constexpr int kParallel = 1;
 constexpr int kSequential = 0;
-
-// Joins pixels that touch by a corner.
-constexpr int kEightNeighbourhood = 1;
 
 // What an operation may read. `element` is empty for operations without one.
 struct Operands {
@@ -120,10 +118,28 @@ std::vector<region> Appended(const std::vector<region>& history,
 }
 
 // The last thing a tool does that can throw, so a tool that throws has changed
-// nothing.
-void Show(Workbench& workbench, std::vector<OverlayItem> items) {
-  workbench.m_regionOverlay.Replace(std::move(items));
+// nothing. `make_items` makes the overlay.
+template <typename MakeItems>
+void Show(Workbench& workbench, MakeItems make_items) {
+  if (workbench.m_isShown) workbench.m_regionOverlay.Replace(make_items());
   workbench.RequestRedraw();
+}
+
+void ShowRegion(Workbench& workbench, std::shared_ptr<region> result) {
+  Show(workbench, [&] { return SingleRegionItems(*result); });
+  workbench.m_lastRegion = std::move(result);
+}
+
+ConnectionReport ShowComponents(Workbench& workbench, ComponentSet components,
+                                Status status) {
+  ConnectionReport report{std::move(status), std::nullopt};
+  if (workbench.m_isShown) {
+    report.rows = FeatureRows(components, kMaxFeatureRows);
+  }
+  Show(workbench, [&] { return ComponentItems(components); });
+  workbench.m_components = std::move(components);
+  workbench.m_lastRegion = nullptr;
+  return report;
 }
 
 void RunThreshold(int mode, cv::Mat& image, GrayBand band, region* result) {
@@ -136,14 +152,17 @@ void RunThreshold(int mode, cv::Mat& image, GrayBand band, region* result) {
   }
 }
 
-int RunConnection(int mode, region& input, region* result) {
+// The number of components; none of a region without runs.
+int RunConnection(int mode, region& input, region* result, int neighbours) {
+  const int columns_apart = neighbours == 8 ? 1 : 0;
+  int count = 0;
   if (mode == kParallel) {
-    return vexo::connection_y(input, result, kEightNeighbourhood);
+    count = vexo::connection_y(input, result, columns_apart);
   }
   if (mode == kSequential) {
-    return vexo::connection(input, result, kEightNeighbourhood);
+    count = vexo::connection(input, result, columns_apart);
   }
-  return 0;
+  return std::max(count, 0);
 }
 
 // The builders fill runs and chords.
@@ -157,11 +176,69 @@ void BuildElement(const ElementChoice& choice, region* element) {
   }
 }
 
-Status CheckInputs(const Workbench& workbench, size_t inputs) {
+Status CheckInputs(const Workbench& workbench, size_t inputs,
+                   RegionSource source) {
+  if (inputs == 1 && source == RegionSource::kPrevious &&
+      (workbench.m_lastRegion || !workbench.m_components.IsNull())) {
+    return {};
+  }
   const size_t length = workbench.m_regionHistory.size();
   if (length >= inputs) return {};
   return inputs == 2 ? messages::TooFewRegions(workbench.m_language, length)
                      : messages::NoBinarization(workbench.m_language, length);
+}
+
+void SetImageSize(int width, int height, region* r) {
+  r->width = width;
+  r->height = height;
+}
+
+// The region that a tool of one input works on, after CheckInputs(). The
+// sequential forms need chords.
+std::shared_ptr<region> SourceRegion(Workbench& workbench,
+                                     RegionSource source) {
+  if (source == RegionSource::kBinarisation) {
+    return std::make_shared<region>(workbench.m_regionHistory.back());
+  }
+  if (workbench.m_lastRegion != nullptr) {
+    if (workbench.m_parallelMode == kSequential) {
+      BuildBothForms(workbench.m_lastRegion.get());
+    }
+    return workbench.m_lastRegion;
+  }
+  auto united = std::make_shared<region>();
+  workbench.m_components.Unite(united.get());
+  SetImageSize(workbench.m_srcImage.cols, workbench.m_srcImage.rows,
+               united.get());
+  if (workbench.m_parallelMode == kSequential) BuildBothForms(united.get());
+  return united;
+}
+
+bool LiesIn(const region& r, const cv::Mat& image) {
+  bool inside = true;
+  ForEachRun(r, [&](int32_t row, int32_t begin, int32_t end) {
+    inside &= row >= 0 && row < image.rows && begin >= 0 && end < image.cols;
+  });
+  return inside;
+}
+
+// What of a region lies in the image, in both forms.
+std::shared_ptr<region> ClippedTo(const cv::Mat& image, const region& r) {
+  auto clipped = std::make_shared<region>();
+  clipped->reserve(r.run_count > 0 ? r.run_count
+                                   : static_cast<size_t>(r.chord_count));
+  ForEachRun(r, [&](int32_t row, int32_t begin, int32_t end) {
+    begin = std::max(begin, 0);
+    end = std::min(end, image.cols - 1);
+    if (row < 0 || row >= image.rows || begin > end) return;
+    clipped->rows[clipped->run_count] = row;
+    clipped->col_begins[clipped->run_count] = begin;
+    clipped->col_ends[clipped->run_count] = end;
+    ++clipped->run_count;
+  });
+  SetImageSize(image.cols, image.rows, clipped.get());
+  BuildChords(clipped.get());
+  return clipped;
 }
 
 }  // namespace
@@ -183,56 +260,84 @@ Status Threshold(Workbench& workbench, GrayBand band) {
   RunThreshold(workbench.m_parallelMode, image, band, &result);
   PrintElapsed(start, "threshold");
   BuildBothForms(&result);
-  if (result.chord_count < 1) {
+  if (result.chord_count < 1 && !workbench.m_keepsEmptyRegions) {
     return messages::RegionEmpty(workbench.m_language);
   }
   std::vector<region> history = Appended(workbench.m_regionHistory, result);
   Status status = messages::Done(workbench.m_language, "threshold");
-  Show(workbench, SingleRegionItems(result));
+  ShowRegion(workbench, std::make_shared<region>(result));
   workbench.m_regionHistory.swap(history);
   return status;
 }
 
-ConnectionReport Connection(Workbench& workbench) {
-  if (Status guard = CheckInputs(workbench, 1); guard.tone != Tone::kSilent) {
+ConnectionReport Connection(Workbench& workbench,
+                            const ConnectionParameters& parameters) {
+  if (Status guard = CheckInputs(workbench, 1, parameters.source);
+      guard.tone != Tone::kSilent) {
     return {std::move(guard), std::nullopt};
   }
-  region result;
+  std::shared_ptr<region> source = SourceRegion(workbench, parameters.source);
+  if (parameters.source == RegionSource::kPrevious &&
+      !LiesIn(*source, workbench.m_srcImage)) {
+    source = ClippedTo(workbench.m_srcImage, *source);
+  }
+  auto result = std::make_shared<region>();
   int64_t start = SteadyNanoseconds();
-  const int count = RunConnection(workbench.m_parallelMode,
-                                  workbench.m_regionHistory.back(), &result);
+  const int count = RunConnection(workbench.m_parallelMode, *source,
+                                  result.get(), parameters.neighbours);
   PrintElapsed(start, "connection");
   ConsolePrintf("connected components = %d\n", count);
-  for (int32_t i = 0; i < result.child_count; ++i) {
-    BuildChords(result.children[i]);
+  if (workbench.m_isShown) {
+    for (int32_t i = 0; i < result->child_count; ++i) {
+      BuildChords(result->children[i]);
+    }
   }
-  ConnectionReport report{messages::ConnectionDone(workbench.m_language, count),
-                          FeatureRows(result, kMaxFeatureRows)};
-  Show(workbench, ComponentItems(result));
-  return report;
+  return ShowComponents(workbench, ComponentSet(std::move(result)),
+                        messages::ConnectionDone(workbench.m_language, count));
+}
+
+ConnectionReport SelectComponents(Workbench& workbench,
+                                  const Selection& selection) {
+  if (workbench.m_components.IsNull()) return {};
+  return ShowComponents(
+      workbench,
+      Selected(workbench.m_components, selection, workbench.m_srcImage.cols,
+               workbench.m_srcImage.rows),
+      messages::Done(workbench.m_language, "select"));
 }
 
 Status ApplyRegionOperation(Workbench& workbench, RegionOperation operation,
-                            const OperationParameters& parameters) {
+                            const OperationParameters& parameters,
+                            RegionSource source) {
   const OperationRow& row = RowOf(operation);
-  if (Status guard = CheckInputs(workbench, row.inputs);
+  if (Status guard = CheckInputs(workbench, row.inputs, source);
       guard.tone != Tone::kSilent) {
     return guard;
   }
   region element;
   if (row.element) BuildElement(parameters.element, &element);
-  const Operands in{workbench.m_regionHistory.front(),
-                    workbench.m_regionHistory.back(), element,
+  // Set operations always take the two newest binarisations.
+  if (row.inputs == 2) source = RegionSource::kBinarisation;
+  const std::shared_ptr<region> last = SourceRegion(workbench, source);
+  const Operands in{workbench.m_regionHistory.front(), *last, element,
                     parameters.boundary_type.c_str()};
-  region result;
+  auto result = std::make_shared<region>();
   int64_t start = SteadyNanoseconds();
-  if (workbench.m_parallelMode == kParallel) row.parallel(in, &result);
-  if (workbench.m_parallelMode == kSequential) row.sequential(in, &result);
+  if (workbench.m_parallelMode == kParallel) row.parallel(in, result.get());
+  if (workbench.m_parallelMode == kSequential) row.sequential(in, result.get());
   PrintElapsed(start, row.label);
-  BuildChords(&result);
+  if (workbench.m_isShown) BuildChords(result.get());
+  // Set operations say nothing about the image; a closing after one must know.
+  if (result->width < 0) SetImageSize(last->width, last->height, result.get());
   Status status = messages::Done(workbench.m_language, row.done);
-  Show(workbench, SingleRegionItems(result));
+  ShowRegion(workbench, std::move(result));
   return status;
+}
+
+size_t InputsOf(RegionOperation operation) { return RowOf(operation).inputs; }
+
+bool TakesElement(RegionOperation operation) {
+  return RowOf(operation).element;
 }
 
 std::optional<RegionOperation> OperationByName(std::string_view name) {
@@ -241,5 +346,7 @@ std::optional<RegionOperation> OperationByName(std::string_view name) {
   }
   return std::nullopt;
 }
+
+const char* NameOf(RegionOperation operation) { return RowOf(operation).name; }
 
 }  // namespace rendal

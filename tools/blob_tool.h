@@ -6,8 +6,9 @@
 // the status label has to show. When one throws (out of memory), the workbench
 // is as it was before.
 //
-// Only Threshold adds to the history; every other operation starts from the
-// newest binarisation (or the two newest), never from what was shown last.
+// Only Threshold adds to the history. The buttons start from the newest
+// binarisation (or the two newest), never from what was shown last; recipes and
+// the command line can go on from there (RegionSource).
 #ifndef RENDAL_TOOLS_BLOB_TOOL_H_
 #define RENDAL_TOOLS_BLOB_TOOL_H_
 
@@ -45,6 +46,7 @@ struct ElementChoice {
   int kind = kCircle;
   int width = 3;
   int height = 3;
+  bool operator==(const ElementChoice&) const = default;
 };
 
 // Whether the height edit means anything (and the width edit is not a radius).
@@ -67,6 +69,7 @@ enum class RegionOperation {
 struct OperationParameters {
   ElementChoice element;
   std::string boundary_type = "inner";  // "inner", "inner_filled", "outer"
+  bool operator==(const OperationParameters&) const = default;
 };
 
 // Binarises the image. Silent without an image. An empty result leaves history
@@ -74,21 +77,48 @@ struct OperationParameters {
 // newest.
 Status Threshold(Workbench& workbench, GrayBand band);
 
-// Splits the newest binarisation into its 8-connected components.
+// What a tool starts from.
+enum class RegionSource {
+  kBinarisation,  // the newest of the history, as the buttons do
+  kPrevious,      // what the newest tool left: a region, or the pixels of all
+                  // components that a selection kept
+};
+
+struct ConnectionParameters {
+  int neighbours = 8;  // 8: corners join, too; 4: edges only
+  RegionSource source = RegionSource::kBinarisation;
+  bool operator==(const ConnectionParameters&) const = default;
+};
+
+// Splits a region into its connected components, which become m_components.
+// Of a previous result only what lies in the image counts.
 struct ConnectionReport {
   Status status;
   // The new rows of the region list; without a value the list stays as it is.
   std::optional<std::vector<FeatureRow>> rows;
 };
-ConnectionReport Connection(Workbench& workbench);
+ConnectionReport Connection(Workbench& workbench,
+                            const ConnectionParameters& parameters = {});
+
+// Keeps of m_components what the selection lets through. Silent before the
+// first labelling.
+ConnectionReport SelectComponents(Workbench& workbench,
+                                  const Selection& selection);
 
 // Runs one of the other operations: on the two newest binarisations, older one
-// first, for the set operations; on the newest for the rest.
+// first, for the set operations; on `source` for the rest.
 Status ApplyRegionOperation(Workbench& workbench, RegionOperation operation,
-                            const OperationParameters& parameters);
+                            const OperationParameters& parameters,
+                            RegionSource source = RegionSource::kBinarisation);
+
+// How many binarisations an operation takes, and whether it takes a structuring
+// element.
+size_t InputsOf(RegionOperation operation);
+bool TakesElement(RegionOperation operation);
 
 // The operation of that name ("fill_up", "union", ...); none for others.
 std::optional<RegionOperation> OperationByName(std::string_view name);
+const char* NameOf(RegionOperation operation);
 
 }  // namespace rendal
 

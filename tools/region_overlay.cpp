@@ -124,23 +124,22 @@ std::vector<OverlayItem> SingleRegionItems(const vexo::region& region) {
   return items;
 }
 
-std::vector<OverlayItem> ComponentItems(const vexo::region& components) {
+std::vector<OverlayItem> ComponentItems(const ComponentSet& components) {
   std::vector<OverlayItem> items;
-  items.reserve(std::max(components.child_count, 0));
-  for (int32_t i = 0; i < components.child_count; ++i) {
-    items.push_back(MakeItem(PaletteColor(i), *components.children[i]));
+  items.reserve(components.size());
+  for (size_t i = 0; i < components.size(); ++i) {
+    items.push_back(MakeItem(PaletteColor(i), components[i]));
   }
   return items;
 }
 
-std::vector<FeatureRow> FeatureRows(const vexo::region& components,
+std::vector<FeatureRow> FeatureRows(const ComponentSet& components,
                                     size_t limit) {
-  const size_t count =
-      std::min<size_t>(std::max(components.child_count, 0), limit);
+  const size_t count = std::min(components.size(), limit);
   std::vector<FeatureRow> rows;
   rows.reserve(count);
   for (size_t i = 0; i < count; ++i) {
-    const vexo::region& c = *components.children[i];
+    const vexo::region& c = components[i];
     rows.push_back({std::to_string(i + 1), std::to_string(c.area),
                     Fixed4(c.ra()), Fixed4(c.rb()), Fixed4(c.phi()),
                     Fixed4(c.rect_half_length1()),

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "region/region.h"
+#include "tools/components.h"
 
 namespace rendal {
 
@@ -60,18 +61,18 @@ const std::array<int32_t, 3>& PaletteColor(size_t number);
 // One red item with all chords of the region.
 std::vector<OverlayItem> SingleRegionItems(const vexo::region& region);
 
-// One item per child, in order, coloured from the palette.
-std::vector<OverlayItem> ComponentItems(const vexo::region& components);
+// One item per component, in order, coloured from the palette.
+std::vector<OverlayItem> ComponentItems(const ComponentSet& components);
 
 // id, area, ra, rb, phi, rect2_len1, rect2_len2, rect2_phi, circularity.
 using FeatureRow = std::array<std::string, 9>;
 
 inline constexpr size_t kMaxFeatureRows = 100;
 
-// The features of the first `limit` children as the region list shows them:
+// The features of the first `limit` components as the region list shows them:
 // whole numbers as they are, the rest with four decimals. Only formats what
 // the components carry.
-std::vector<FeatureRow> FeatureRows(const vexo::region& components,
+std::vector<FeatureRow> FeatureRows(const ComponentSet& components,
                                     size_t limit);
 
 }  // namespace rendal

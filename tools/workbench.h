@@ -9,10 +9,12 @@
 #define RENDAL_TOOLS_WORKBENCH_H_
 
 #include <cstdint>
+#include <memory>
 #include <opencv2/core.hpp>
 #include <vector>
 
 #include "region/region.h"
+#include "tools/components.h"
 #include "tools/measurement_library.h"
 #include "tools/region_overlay.h"
 
@@ -90,6 +92,18 @@ struct Workbench {
   // pixels both as runs and as chords.
   std::vector<vexo::region> m_regionHistory;
   RegionOverlay m_regionOverlay;
+
+  // What the newest region tool left, for tools that go on from there; null
+  // when that are the components, and at the start.
+  std::shared_ptr<vexo::region> m_lastRegion;
+  // Of the newest labelling, as far as a selection kept them.
+  ComponentSet m_components;
+
+  // False where nobody looks: tools then make neither overlay nor list rows.
+  bool m_isShown = true;
+  // True in runs over many images: a binarisation without pixels enters the
+  // history like any other, and what follows works on nothing.
+  bool m_keepsEmptyRegions = false;
 
   // What measures; tests put functions of their own here.
   MeasurementLibrary m_measurementLibrary = LinkedMeasurementLibrary();

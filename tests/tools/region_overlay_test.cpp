@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
 #include <random>
 #include <utility>
 
@@ -16,16 +17,16 @@ OverlayItem Item(Chords chords) {
   return OverlayItem{{0, 0, 255, 0}, {}, std::move(chords)};
 }
 
-// A region whose children are given; owns them as any region does.
-vexo::region WithChildren(size_t count) {
-  vexo::region parent;
-  parent.children = static_cast<vexo::region**>(
+// Components without pixels and features, owned as any region's children are.
+ComponentSet WithChildren(size_t count) {
+  auto parent = std::make_shared<vexo::region>();
+  parent->children = static_cast<vexo::region**>(
       std::malloc(sizeof(vexo::region*) * std::max<size_t>(count, 1)));
-  parent.child_count = static_cast<int32_t>(count);
+  parent->child_count = static_cast<int32_t>(count);
   for (size_t i = 0; i < count; ++i) {
-    parent.children[i] = new vexo::region(1);
+    parent->children[i] = new vexo::region(1);
   }
-  return parent;
+  return ComponentSet(std::move(parent));
 }
 
 // (begin, end, item) of every chord of a row.
@@ -125,7 +126,7 @@ TEST(RegionOverlay, PaletteHasTheSixteenColours) {
 }
 
 TEST(RegionOverlay, SeventeenthComponentReusesTheFirstColour) {
-  const vexo::region components = WithChildren(17);
+  const ComponentSet components = WithChildren(17);
   const std::vector<OverlayItem> items = ComponentItems(components);
   ASSERT_EQ(items.size(), 17u);
   for (int k = 0; k < 4; ++k) {
@@ -165,8 +166,8 @@ TEST(RegionOverlay, EmptyRegionIsARedItemWithoutChords) {
 }
 
 TEST(FeatureRows, EachColumnShowsItsFeature) {
-  const vexo::region components = WithChildren(1);
-  vexo::region& c = *components.children[0];
+  const ComponentSet components = WithChildren(1);
+  vexo::region& c = components[0];
   c.area = 1234;
   c.reals[2] = 3.5;  // rectangle half lengths
   c.reals[3] = 2.25;
@@ -196,8 +197,8 @@ TEST(FeatureRows, HundredRowsAtMost) {
 }
 
 TEST(FeatureRows, LargestNumbersFit) {
-  const vexo::region components = WithChildren(1);
-  components.children[0]->reals[4] = -1.7976931348623157e308;
+  const ComponentSet components = WithChildren(1);
+  components[0].reals[4] = -1.7976931348623157e308;
   EXPECT_EQ(FeatureRows(components, 1)[0][2].size(), 1 + 309 + 5u);
 }
 
