@@ -6,7 +6,9 @@
 #define RENDAL_TOOLS_CALIPER_TOOL_H_
 
 #include <string>
+#include <vector>
 
+#include "tools/residuals.h"
 #include "tools/workbench.h"
 
 namespace rendal {
@@ -21,20 +23,34 @@ struct CaliperParameters {
   int count = 0;          // of rectangles; 0: as many as fit side by side
   int direction = +1;     // see ScanDirection()
   std::string selection = "first+";
+  bool operator==(const CaliperParameters&) const = default;
 };
 
 // Direction combo: its first item scans one way, any other the other way.
 inline int ScanDirection(int index) { return index == 0 ? +1 : -1; }
+
+// A measurement in full precision.
+struct MeasureReport {
+  bool done = false;  // false: there was nothing to measure, or no image
+  RoiShape roi = {};
+  int code = 0;      // of the library; the first negative one, else 0
+  int calipers = 0;  // 1 for a band
+  std::vector<EdgePoint> points;
+  // As do_fit gives it; zeros for a band and when the fit failed.
+  double shape[5] = {};
+  Residuals residuals;  // zeros likewise
+};
 
 // Measures, prints the fitted shape (line, circle, ellipse) or every edge
 // (band) below the time that the library took, and leaves one record as the
 // only result, shown with the next refresh instead of the region overlay.
 //
 // Without an image or in mode "none" nothing happens at all. No answer of the
-// library is checked: a fit that failed leaves zeros, which are printed and
-// draw nothing. Library memory is released before this returns. When it throws
-// (out of memory), results and overlay are as they were.
-void Measure(Workbench& workbench, const CaliperParameters& parameters);
+// library keeps it from going on: a fit that failed leaves zeros, which are
+// printed and draw nothing. Library memory is released before this returns.
+// When it throws (out of memory), results and overlay are as they were.
+MeasureReport Measure(Workbench& workbench,
+                      const CaliperParameters& parameters);
 
 // Degrees of a fitted line from its direction components: 0 for (1, 0),
 // counter-clockwise on screen, in (-180, 180].

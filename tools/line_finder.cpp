@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/line_finder.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <opencv2/imgproc.hpp>
 #include <utility>
 
@@ -82,6 +84,7 @@ class SegmentMeasurement {
         m_display(display) {}
 
   Result Run();
+  LineReport TakeReport() { return std::move(m_report); }
 
  private:
   int GenerateRectangles(float** rectangles, int* count) const;
@@ -89,12 +92,17 @@ class SegmentMeasurement {
   void MeasureEveryEdge();
   void MeasureEdgesOf(const MeasureRectangle& rectangle);
   void AddEdges(const Edges& edges);
+  void Note(int code) {
+    if (m_report.code == 0 && code < 0) m_report.code = code;
+  }
 
   const MeasurementLibrary& m_library;
   const cv::Mat m_image;
   const cv::Vec4i m_segment;
   const int m_display;
   Result m_result;
+  LineReport m_report;
+  int m_caliper = 0;
 };
 
 Result SegmentMeasurement::Run() {
@@ -133,7 +141,15 @@ bool SegmentMeasurement::FitLine() {
   ConsolePrintf("num1 = %2d, num2 = %2d\n", rectangle_count, n);
   ConsolePrintf("mem_id = %3d, mem_id2 = %3d, err_code = %3d\n", rectangles_id,
                 points_id, code);
+  for (const int answer : {rectangles_id, points_id, code}) Note(answer);
+  m_report.calipers = rectangle_count;
+  for (int i = 0; points != nullptr && i < n; ++i) {
+    m_report.points.push_back({points[i], points[n + i]});
+  }
   if (code < 0) return false;
+  std::copy(std::begin(line), std::end(line), m_report.line);
+  m_report.residuals =
+      MeasureResiduals(VEXOLAB_LINE, line, kFitFactor, &m_report.points);
   if (m_display == kShowCalipers) {
     m_result.rectangles = CopyRectangles(rectangles, rectangle_count);
     m_result.points = CopyPoints(points, n);
@@ -151,6 +167,7 @@ void SegmentMeasurement::MeasureEveryEdge() {
   memory.Keep(GenerateRectangles(&data, &count));
   for (const MeasureRectangle& rectangle : CopyRectangles(data, count)) {
     MeasureEdgesOf(rectangle);
+    ++m_caliper;
   }
 }
 
@@ -174,6 +191,8 @@ void SegmentMeasurement::AddEdges(const Edges& edges) {
                   edges.values[i], edges.values[i + 1], edges.Amplitude(i));
     if (rising < 0 && edges.Amplitude(i) > 0) rising = i;
     if (falling < 0 && edges.Amplitude(i) < 0) falling = i;
+    m_report.edges.push_back(
+        {edges.values[i], edges.values[i + 1], edges.Amplitude(i), m_caliper});
     if (m_display == kShowEdges) m_result.points.push_back(edges.At(i));
   }
   if (m_display == kShowEdges && rising >= 0 && falling >= 0) {
@@ -183,14 +202,21 @@ void SegmentMeasurement::AddEdges(const Edges& edges) {
 
 }  // namespace
 
-void FindLine(Workbench& workbench, int display) {
-  if (!workbench.HasImage()) return;
-  const std::vector<cv::Vec4i> segments = FindSegments(workbench.m_srcImage);
+LineReport FindLine(Workbench& workbench, int display) {
+  LineReport report;
+  if (!workbench.HasImage()) return report;
+  std::vector<cv::Vec4i> segments = FindSegments(workbench.m_srcImage);
   ConsolePrintf("HoughLinesP found %d lines\n",
                 static_cast<int>(segments.size()));
-  if (segments.empty()) return;
-  workbench.ShowResult(
-      SegmentMeasurement(workbench, segments.front(), display).Run());
+  if (!segments.empty()) {
+    SegmentMeasurement measurement(workbench, segments.front(), display);
+    Result result = measurement.Run();
+    report = measurement.TakeReport();
+    workbench.ShowResult(std::move(result));
+  }
+  report.done = true;
+  report.segments = std::move(segments);
+  return report;
 }
 
 }  // namespace rendal

@@ -5,6 +5,9 @@
 #ifndef RENDAL_TOOLS_LINE_FINDER_H_
 #define RENDAL_TOOLS_LINE_FINDER_H_
 
+#include <vector>
+
+#include "tools/residuals.h"
 #include "tools/workbench.h"
 
 namespace rendal {
@@ -19,6 +22,19 @@ enum FindLineDisplay : int {
                       // ones, with a line between them
 };
 
+// What was found, in full precision.
+struct LineReport {
+  bool done = false;                // false: no image
+  std::vector<cv::Vec4i> segments;  // x1, y1, x2, y2, as they were found
+  // Of the first segment, when there is one:
+  int code = 0;  // of the library; the first negative one, else 0
+  int calipers = 0;
+  std::vector<EdgePoint> points;  // that the line was fitted to
+  double line[4] = {};            // direction x, y, centre x, y
+  Residuals residuals;
+  std::vector<EdgePoint> edges;  // every edge of every caliper
+};
+
 // Prints how many segments there are, the counts and codes of the first
 // measurement, and every edge of the second, and leaves one record as the only
 // result, shown with the next refresh instead of the region overlay.
@@ -29,7 +45,7 @@ enum FindLineDisplay : int {
 // that fails ends the work after its line: the record holds what was drawn by
 // then. Library memory is released before this returns. When it throws (out of
 // memory), results and overlay are as they were.
-void FindLine(Workbench& workbench, int display);
+LineReport FindLine(Workbench& workbench, int display);
 
 }  // namespace rendal
 

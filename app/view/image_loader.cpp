@@ -75,7 +75,7 @@ void CloseJpeg(Bytes* bytes) {
   }
 }
 
-cv::Mat Decode(const fs::path& path) {
+cv::Mat Decode(const fs::path& path, LoadReport* report) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
   // The decoder of byte arrays counts in int.
@@ -86,6 +86,7 @@ cv::Mat Decode(const fs::path& path) {
   if (bytes.empty()) return {};
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
     ConsolePrintf("the image file is cut off\n");
+    report->is_cut_off = true;
     if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};
     CloseJpeg(&bytes);
   }
@@ -94,10 +95,10 @@ cv::Mat Decode(const fs::path& path) {
 
 // As the image library delivers it; empty if it is no image. Memory that ran
 // out is the only thing that leaves as an exception.
-cv::Mat ReadImage(const fs::path& path) {
+cv::Mat ReadImage(const fs::path& path, LoadReport* report) {
   cv::Mat image;
   try {
-    image = Decode(WithoutLengthLimit(path));
+    image = Decode(WithoutLengthLimit(path), report);
   } catch (const cv::Exception& error) {
     if (error.code == cv::Error::StsNoMem) throw;
     ConsolePrintf("image library: %s\n", error.err.c_str());
@@ -105,6 +106,9 @@ cv::Mat ReadImage(const fs::path& path) {
   if (image.empty()) {
     ConsolePrintf("no image in %s\n", Utf8(path).c_str());
   }
+  report->channels = image.channels();
+  report->bits = static_cast<int>(image.elemSize1()) * 8;
+  report->is_float = image.depth() == CV_32F || image.depth() == CV_64F;
   return image;
 }
 
@@ -200,16 +204,18 @@ cv::Mat ToGrey8(const cv::Mat& image, std::string* note) {
 }
 
 Status LoadImageFile(const fs::path& path, Workbench& workbench,
-                     ViewState& view) {
+                     ViewState& view, LoadReport* report) {
+  LoadReport unused;
+  if (report == nullptr) report = &unused;
   ConsolePrintf("src path = %s\n", Utf8(path).c_str());
-  cv::Mat image = ReadImage(path);
+  cv::Mat image = ReadImage(path, report);
   const int channels = image.channels();
   if (channels != 1 && channels != 3 && channels != 4) {
     workbench.m_srcImage = image;
     return messages::ChannelsNotSupported(workbench.m_language, channels);
   }
   if (!image.empty()) {
-    std::string note;
+    std::string& note = report->grey_values;
     image = ToGrey8(image, &note);
     if (!note.empty()) ConsolePrintf("%s\n", note.c_str());
   }

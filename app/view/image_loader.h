@@ -11,6 +11,15 @@
 
 namespace rendal {
 
+// What a file held, and what became of it.
+struct LoadReport {
+  int channels = 0;
+  int bits = 0;  // of a sample
+  bool is_float = false;
+  bool is_cut_off = false;  // a JPEG that ends within its picture
+  std::string grey_values;  // how the values were scaled; none: as they are
+};
+
 // Loads an image file as 8-bit grey, fits it into the view, resets the regions
 // of interest and hides old results. Regions of the blob tool stay.
 //
@@ -28,8 +37,9 @@ namespace rendal {
 //             data, and the console says so.
 //   Throws    std::bad_alloc, cv::Exception when memory runs out; the
 //             workbench and the view are as before.
+//   report    May be null.
 Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
-                     ViewState& view);
+                     ViewState& view, LoadReport* report = nullptr);
 
 // An image of 1, 3 or 4 channels and any depth as 8-bit grey, by the rules
 // above. `note` (may be null) receives how the values were scaled, or nothing.
