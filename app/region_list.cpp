@@ -13,6 +13,9 @@ namespace {
 // The control keeps 4 pixels of its width for its borders.
 constexpr int kBordersPx = 4;
 
+// Beside a column's title. With the system's own, the longest is cut short.
+constexpr int kTitleMarginPx = 4;
+
 }  // namespace
 
 BEGIN_MESSAGE_MAP(CRegionList, CListCtrl)
@@ -34,6 +37,7 @@ void CRegionList::InsertColumns() {
     InsertColumn(index++, column.title, LVCFMT_CENTER, column.width);
   }
   DeleteColumn(0);
+  Header_SetBitmapMargin(ListView_GetHeader(GetSafeHwnd()), kTitleMarginPx);
 }
 
 void CRegionList::ShowHorizontalScrollBar() {

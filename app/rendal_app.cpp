@@ -24,11 +24,11 @@ void InitControlClasses() {
 
 // Whether this is the only running instance. The mutex lives as long as the
 // process; its handle is not needed again.
-bool ClaimSingleInstance() {
+bool ClaimSingleInstance(int32_t language) {
   const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, L"Rendal");
   if (::GetLastError() != ERROR_ALREADY_EXISTS) return true;
-  ::MessageBoxW(nullptr, ui_text::kAlreadyOpen, ui_text::kApplicationName,
-                MB_OK);
+  ::MessageBoxW(nullptr, ui_text::kAlreadyOpen.In(language),
+                ui_text::kApplicationName, MB_OK);
   if (mutex != nullptr) ::CloseHandle(mutex);
   return false;
 }
@@ -37,17 +37,18 @@ bool ClaimSingleInstance() {
 
 BOOL CRendalApp::InitInstance() {
   InitControlClasses();
-  if (!ClaimSingleInstance()) return FALSE;
+  const rendal::StartOptions options = rendal::ReadStartOptions();
+  if (!ClaimSingleInstance(options.language)) return FALSE;
   CWinApp::InitInstance();
   AfxEnableControlContainer();
   auto shellManager = std::make_unique<CShellManager>();
   CMFCVisualManager::SetDefaultManager(RUNTIME_CLASS(CMFCVisualManagerWindows));
   SetRegistryKey(ui_text::kRegistryKey);
 
-  const rendal::StartOptions options = rendal::ReadStartOptions();
   CRendalDlg dialog;
   dialog.m_language = options.language;
   dialog.m_startImage = options.image;
+  dialog.m_ignoredOptions = options.ignored;
   m_pMainWnd = &dialog;
   dialog.DoModal();
   m_pMainWnd = nullptr;

@@ -6,9 +6,10 @@
 
 // The program: one instance, one modal dialog.
 //
-//   Rendal.exe [--english] [IMAGE]
+//   Rendal.exe [IMAGE] [/lang zh|en]
 //
-// IMAGE is loaded after start-up as if it had been chosen in the dialog.
+// In any order. IMAGE is loaded after start-up as if it had been chosen in the
+// dialog. What is not understood is named on the console.
 class CRendalApp : public CWinApp {
  public:
   // Always FALSE: there is nothing to run once the dialog has closed.

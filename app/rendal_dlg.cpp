@@ -7,12 +7,13 @@
 #include <opencv2/highgui.hpp>
 
 #include "app/about_dlg.h"
-#include "app/build_date.h"
 #include "app/console.h"
 #include "app/image_window.h"
+#include "app/text.h"
 #include "app/ui_text.h"
 #include "app/view/view_globals.h"
 #include "controls/msg_window.h"
+#include "tools/console_text.h"
 
 namespace ui_text = rendal::ui_text;
 
@@ -85,7 +86,7 @@ BOOL CRendalDlg::OnInitDialog() {
   SetIcon(m_hIcon, TRUE);
   SetIcon(m_hIcon, FALSE);
   rendal::console::Open();
-  ShowBuildDate();
+  ShowLanguage();
   // Of one size, whatever the template says. (A window that is created with a
   // sizing frame is cut to the screen; this one may be larger.)
   ModifyStyle(WS_THICKFRAME, 0);
@@ -99,37 +100,27 @@ BOOL CRendalDlg::OnInitDialog() {
   m_redraw = 0;
   StartRefresh();
   ShowWelcome();
+  NameIgnoredOptions();
   LoadStartImage();
   return TRUE;
 }
 
-void CRendalDlg::ExtendSystemMenu() {
-  CMenu* menu = GetSystemMenu(FALSE);
-  CString about;
-  if (menu == nullptr || !about.LoadString(IDS_ABOUTBOX)) return;
-  if (m_language == rendal::kEnglish) about = ui_text::kAboutMenuEnglish;
-  menu->AppendMenu(MF_SEPARATOR);
-  menu->AppendMenu(MF_STRING, IDM_ABOUTBOX, about);
-}
-
-void CRendalDlg::ShowBuildDate() {
-  const rendal::BuildDate date = rendal::ParseBuildDate(__DATE__);
-  CString title;
-  title.Format(ui_text::kTitle.In(m_language), date.year, date.month, date.day);
-  SetWindowText(title);
-}
-
 void CRendalDlg::ShowWelcome() {
-  CString homePage;
-  homePage.LoadString(IDS_HOME_PAGE);
   auto* welcome = new CMsgWindow;  // deletes itself, also if this fails
   if (!welcome->Create(this, ui_text::kWelcomeTitle, kWelcomeWidthPx,
                        kWelcomeHeightPx)) {
     return;
   }
-  welcome->SetContent(ui_text::kWelcomeTitle, ui_text::kWelcome.In(m_language),
-                      homePage);
+  m_welcome = welcome->GetSafeHwnd();
+  TellWelcome();
   welcome->Show(kWelcomeMs);
+}
+
+void CRendalDlg::NameIgnoredOptions() {
+  for (const std::wstring& option : m_ignoredOptions) {
+    rendal::ConsolePrintf("option ignored: %s\n",
+                          rendal::ToUtf8(option).c_str());
+  }
 }
 
 void CRendalDlg::LoadStartImage() {
@@ -155,8 +146,12 @@ BOOL CRendalDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
 void CRendalDlg::OnOK() {}
 
 void CRendalDlg::OnSysCommand(UINT id, LPARAM lParam) {
-  if ((id & 0xFFF0) == IDM_ABOUTBOX) {
+  // The system keeps the low four bits for itself.
+  const UINT command = id & 0xFFF0;
+  if (command == IDM_ABOUTBOX) {
     CAboutDlg(m_language, this).DoModal();
+  } else if (command == IDM_LANGUAGE) {
+    SwitchLanguage();
   } else {
     CDialogEx::OnSysCommand(id, lParam);
   }

@@ -8,6 +8,8 @@
 
 #include <filesystem>
 #include <opencv2/core.hpp>
+#include <string>
+#include <vector>
 
 #include "app/load_button.h"
 #include "app/region_list.h"
@@ -23,7 +25,8 @@
 // row. What the tools share is the Workbench part; this class adds the window.
 //
 //   rendal_dlg.cpp           message map, start-up and end, system commands
-//   rendal_dlg_controls.cpp  ranges, defaults and captions of the controls
+//   rendal_dlg_controls.cpp  ranges and defaults of the controls
+//   rendal_dlg_language.cpp  what reads differently in the two languages
 //   rendal_dlg_tools.cpp     handlers that call tools/
 //   rendal_dlg_view.cpp      image window and handlers that call app/view/
 //
@@ -39,6 +42,7 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
 
   cv::Mat m_viewImage;                 // what the image view shows
   std::filesystem::path m_startImage;  // loaded after start-up, if not empty
+  std::vector<std::wstring> m_ignoredOptions;  // named on the console
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override;
@@ -86,20 +90,27 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
  private:
   // Start-up, in this order
   void ExtendSystemMenu();
-  void ShowBuildDate();
+  void ShowLanguage();
   void BuildControls();
   void CreateImageWindow();
   void StartRefresh();
   void ShowWelcome();
+  void NameIgnoredOptions();
   void LoadStartImage();
 
   void TakeViewSize();
   void SetUpStatusLabels();
   void SetUpSpins();
   void FillCombos();
-  void ApplyEnglishCaptions();
   void KeepTitleOnScreen();
   void UpdateElementControls();
+
+  void SwitchLanguage();
+  void ShowTitle();
+  void ShowSystemMenu();
+  void ShowCaptions();
+  void TellWelcome();
+  CString AboutCommand() const;
 
   void LoadFile(const std::filesystem::path& path);
   void SetToolMode(rendal::ToolMode mode);
@@ -114,6 +125,9 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
 
   HICON m_hIcon;
   CBrush m_loadBrush;
+  std::vector<CString> m_chineseCaptions;  // the template's
+  rendal::Status m_shownStatus;
+  HWND m_welcome = nullptr;  // closes itself
 
   CLabel m_status;
   CLabel m_readout;

@@ -18,13 +18,6 @@ constexpr int kDecimals = 2;
 constexpr COLORREF kBlue = RGB(0, 0, 255);
 constexpr COLORREF kWhite = RGB(255, 255, 255);
 
-void Fill(CComboBox& combo, std::span<const ui_text::Text> items,
-          int32_t language, int selection = 0) {
-  combo.ResetContent();
-  for (const ui_text::Text& item : items) combo.AddString(item.In(language));
-  combo.SetCurSel(selection);
-}
-
 void Fill(CComboBox& combo, std::span<const char* const> items,
           int selection = 0) {
   combo.ResetContent();
@@ -61,7 +54,6 @@ void CRendalDlg::DoDataExchange(CDataExchange* exchange) {
 
 void CRendalDlg::BuildControls() {
   TakeViewSize();
-  if (m_language == rendal::kEnglish) ApplyEnglishCaptions();
   SetUpStatusLabels();
   SetUpSpins();
   FillCombos();
@@ -82,12 +74,6 @@ void CRendalDlg::TakeViewSize() {
   rendal::g_viewHeight = m_viewSize.height;
   ScreenToClient(&place);
   host->MoveWindow(&place);
-}
-
-void CRendalDlg::ApplyEnglishCaptions() {
-  for (const ui_text::Caption& caption : ui_text::kCaptions) {
-    SetDlgItemText(caption.id, caption.english);
-  }
 }
 
 void CRendalDlg::SetUpStatusLabels() {
@@ -130,10 +116,8 @@ void CRendalDlg::SetUpSpins() {
 }
 
 void CRendalDlg::FillCombos() {
-  Fill(m_direction, ui_text::kDirections, m_language);
   Fill(m_selection, ui_text::kSelections);
   Fill(m_boundaryType, ui_text::kBoundaryTypes);
-  Fill(m_element, ui_text::kElements, m_language);
   Fill(m_findLineDisplay, ui_text::kFindLineDisplays,
        static_cast<int>(std::size(ui_text::kFindLineDisplays)) - 1);
 }

@@ -36,6 +36,7 @@ LabelColors ColorsOf(rendal::Tone tone) {
 
 void CRendalDlg::ShowStatus(const rendal::Status& status) {
   if (status.tone == rendal::Tone::kSilent) return;
+  m_shownStatus = status;
   const LabelColors colors = ColorsOf(status.tone);
   m_status.ModifyStyle(0, SS_CENTERIMAGE);
   m_status.SetBkColor(colors.background)

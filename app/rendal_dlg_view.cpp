@@ -37,6 +37,7 @@ void CRendalDlg::OnViewMouse(int event, int x, int y, int /*flags*/,
 void CRendalDlg::OnLoadImage() {
   CFileDialog dialog(TRUE, nullptr, nullptr, OFN_HIDEREADONLY | OFN_NOCHANGEDIR,
                      ui_text::kImageFilter, this);
+  dialog.m_ofn.lpstrTitle = ui_text::kOpenTitle.In(m_language);
   if (dialog.DoModal() == IDOK) LoadFile(dialog.GetPathName().GetString());
 }
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "tools/workbench.h"
 
@@ -14,10 +16,14 @@ namespace rendal {
 struct StartOptions {
   std::filesystem::path image;  // empty: none
   int32_t language = kChinese;
+  std::vector<std::wstring> ignored;  // what was not understood, in order
 };
 
-// "--english" anywhere; the first other argument is the image, what follows it
-// is ignored. `arguments` are those after the program's name.
+// "/lang" and a language ("zh", "en") anywhere, in either case of letters; the
+// first argument that is no switch is the image. A switch is a slash or dashes
+// with nothing but letters behind. Unknown ones, languages that there are not
+// and further images are ignored. `arguments` are those after the program's
+// name.
 StartOptions ParseStartOptions(std::span<wchar_t* const> arguments);
 
 // The same from this process's command line.

@@ -4,6 +4,7 @@
 
 #include <afxwin.h>
 
+#include <string>
 #include <string_view>
 
 namespace rendal {
@@ -18,6 +19,16 @@ inline CString FromUtf8(std::string_view text) {
                         length);
   wide.ReleaseBuffer(length);
   return wide;
+}
+
+inline std::string ToUtf8(std::wstring_view text) {
+  const int length = static_cast<int>(text.size());
+  const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length,
+                                          nullptr, 0, nullptr, nullptr);
+  std::string narrow(static_cast<size_t>(bytes), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), bytes,
+                        nullptr, nullptr);
+  return narrow;
 }
 
 }  // namespace rendal

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The dialog's wording: what its template does not say itself. The template
-// (res/rendal.rc) carries the Chinese captions; an English dialog replaces
-// them at start-up from the table below.
+// (res/rendal.rc) carries the Chinese captions; the table below has the English
+// ones of all that differ.
 #ifndef RENDAL_APP_UI_TEXT_H_
 #define RENDAL_APP_UI_TEXT_H_
 
@@ -24,7 +24,8 @@ struct Text {
 };
 
 // Application
-inline constexpr wchar_t kAlreadyOpen[] = L"Rendal.exe已经打开!";
+inline constexpr Text kAlreadyOpen = {L"Rendal.exe已经打开!",
+                                      L"Rendal.exe is already open!"};
 inline constexpr wchar_t kApplicationName[] = L"Rendal";
 inline constexpr wchar_t kRegistryKey[] = L"应用程序向导生成的本地应用程序";
 inline constexpr wchar_t kConsoleTitle[] = L"Debug Output";
@@ -32,6 +33,8 @@ inline constexpr wchar_t kConsoleTitle[] = L"Debug Output";
 // Main window. Arguments: year, month, day of the build.
 inline constexpr Text kTitle = {L"测量    %d-%02d-%02d",
                                 L"Measure    %d-%02d-%02d"};
+inline constexpr Text kOpenTitle = {L"打开图像", L"Open image"};
+// In English in both languages.
 inline constexpr wchar_t kImageFilter[] =
     L"Image Files (*.bmp;*.jpg;*.tif;*.png)|*.bmp;*.jpg;*.tif;*.png|"
     L"All Files (*.*)|*.*||";
@@ -44,6 +47,10 @@ inline constexpr Text kElementWidth = {L"宽", L"Width"};
 inline constexpr wchar_t kWelcomeTitle[] = L"VEXOLAB";
 inline constexpr Text kWelcome = {L"欢迎来到我的博客！\n\n",
                                   L"Welcome to my blog!\n\n"};
+
+// System menu. The item that changes the language names the other one in its
+// own words, for whoever cannot read this one.
+inline constexpr Text kOtherLanguage = {L"English(&E)", L"中文(&C)"};
 
 // About: the Chinese texts are in the template and the string table.
 inline constexpr wchar_t kAboutMenuEnglish[] = L"&About Rendal...";

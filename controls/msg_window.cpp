@@ -45,6 +45,7 @@ void CMsgWindow::SetContent(LPCTSTR title, LPCTSTR text, LPCTSTR link) {
   m_title = title;
   m_text = text;
   m_link = link;
+  if (m_hWnd != nullptr) Invalidate();
 }
 
 void CMsgWindow::Show(int milliseconds) {

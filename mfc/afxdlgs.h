@@ -16,6 +16,10 @@ class CFileDialog : public CDialog {
                        DWORD flags = OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT,
                        LPCTSTR filter = nullptr, CWnd* parent = nullptr);
 
+  // Of its fields only lpstrTitle counts: the window's title, the system's own
+  // if null.
+  OPENFILENAME m_ofn = {};
+
   // IDOK or IDCANCEL.
   INT_PTR DoModal() override;
   CString GetPathName() const { return m_path; }

@@ -93,6 +93,7 @@ INT_PTR CFileDialog::DoModal() {
   }
   SetFileTypes(dialog.operator->(), m_filter);
   if (!m_fileName.IsEmpty()) dialog->SetFileName(m_fileName);
+  if (m_ofn.lpstrTitle != nullptr) dialog->SetTitle(m_ofn.lpstrTitle);
   dialog->SetOptions(FOS_FORCEFILESYSTEM | FOS_FILEMUSTEXIST |
                      FOS_PATHMUSTEXIST | FOS_NOCHANGEDIR);
   const CWnd* parent = m_pParent != nullptr ? m_pParent : AfxGetMainWnd();

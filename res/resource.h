@@ -8,6 +8,7 @@
 
 // Commands, dialogs, strings, icons
 #define IDM_ABOUTBOX 16
+#define IDM_LANGUAGE 32
 #define IDD_ABOUTBOX 100
 #define IDS_ABOUTBOX 101
 #define IDS_HOME_PAGE 102

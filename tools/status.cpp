@@ -4,7 +4,18 @@
 #include <cstdarg>
 #include <cstdio>
 
-namespace rendal::messages {
+namespace rendal {
+
+Status Status::In(int32_t language) const {
+  Status status = *this;
+  const auto index = static_cast<size_t>(language);
+  if (index < translations.size() && !translations[index].empty()) {
+    status.text = translations[index];
+  }
+  return status;
+}
+
+namespace messages {
 namespace {
 
 struct Wording {
@@ -35,15 +46,17 @@ constexpr Wording kConnectionDone = {
 // clang-format on
 
 Status Format(Tone tone, int32_t language, const Wording* wording, ...) {
-  const char* const format = language == 0   ? wording->chinese
-                             : language == 1 ? wording->english
-                                             : "";
-  char text[256];
-  va_list arguments;
-  va_start(arguments, wording);
-  std::vsnprintf(text, sizeof text, format, arguments);
-  va_end(arguments);
-  return {tone, text};
+  Status status{tone, ""};
+  const char* const formats[] = {wording->chinese, wording->english};
+  for (size_t i = 0; i < status.translations.size(); ++i) {
+    char text[256];
+    va_list arguments;
+    va_start(arguments, wording);
+    std::vsnprintf(text, sizeof text, formats[i], arguments);
+    va_end(arguments);
+    status.translations[i] = text;
+  }
+  return status.In(language);
 }
 
 }  // namespace
@@ -88,4 +101,5 @@ Status Failed(const std::exception& error) {
   return {Tone::kError, error.what()};
 }
 
-}  // namespace rendal::messages
+}  // namespace messages
+}  // namespace rendal

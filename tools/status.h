@@ -5,6 +5,7 @@
 #ifndef RENDAL_TOOLS_STATUS_H_
 #define RENDAL_TOOLS_STATUS_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -23,6 +24,12 @@ enum class Tone {
 struct Status {
   Tone tone = Tone::kSilent;
   std::string text;  // UTF-8
+  // The same in every language, by Workbench::m_language; empty where the text
+  // has only the one wording.
+  std::array<std::string, 2> translations{};
+
+  // This status told in another language, as far as it can be.
+  Status In(int32_t language) const;
 };
 
 // `language` is Workbench::m_language: 0 Chinese, 1 English. Any other value

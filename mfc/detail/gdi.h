@@ -164,6 +164,10 @@ class CMenu : public CObject {
   BOOL AppendMenu(UINT flags, UINT_PTR id = 0, LPCTSTR text = nullptr) {
     return ::AppendMenuW(m_hMenu, flags, id, text);
   }
+  BOOL ModifyMenu(UINT position, UINT flags, UINT_PTR id = 0,
+                  LPCTSTR text = nullptr) {
+    return ::ModifyMenuW(m_hMenu, position, flags, id, text);
+  }
   BOOL RemoveMenu(UINT position, UINT flags) {
     return ::RemoveMenu(m_hMenu, position, flags);
   }

@@ -59,6 +59,18 @@ TEST(Status, OtherLanguagesLeaveTheTextEmpty) {
   ExpectStatus(messages::ConnectionDone(-1, 3), Tone::kSuccess, "");
 }
 
+TEST(Status, IsToldAgainInTheOtherLanguage) {
+  const Status chinese = messages::ImageOpened(0, 640, 480);
+  const Status english = messages::ImageOpened(1, 640, 480);
+  EXPECT_EQ(chinese.In(1).text, english.text);
+  EXPECT_EQ(chinese.In(1).In(0).text, chinese.text);
+  EXPECT_EQ(english.In(0).tone, Tone::kNotice);
+  EXPECT_EQ(english.In(kNeitherLanguage).text, english.text);
+  const Status failed = messages::Failed(std::runtime_error("no memory"));
+  EXPECT_EQ(failed.In(1).text, "no memory");
+  EXPECT_EQ(messages::DisplayCleared().In(1).text, "");
+}
+
 TEST(Status, ClearedDisplayIsAnEmptyNotice) {
   ExpectStatus(messages::DisplayCleared(), Tone::kNotice, "");
 }

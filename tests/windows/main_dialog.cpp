@@ -218,6 +218,23 @@ void MainDialogTest::Wheel(int x, int y, int delta) {
                  MAKELPARAM(point.x, point.y));
 }
 
+HWND MainDialogTest::WelcomeWindow() {
+  HWND found = nullptr;
+  ::EnumThreadWindows(
+      ::GetCurrentThreadId(),
+      [](HWND window, LPARAM result) -> BOOL {
+        constexpr LONG kNotice =
+            WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE;
+        if ((::GetWindowLongW(window, GWL_EXSTYLE) & kNotice) == kNotice &&
+            ::IsWindowVisible(window)) {
+          *reinterpret_cast<HWND*>(result) = window;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
 int MainDialogTest::Rows() const {
   return ListView_GetItemCount(Control(IDC_REGION_LIST));
 }

@@ -72,6 +72,9 @@ class MainDialogTest : public testing::Test {
   void Wheel(int x, int y, int delta);
   HWND ImageWindow() const;
 
+  // The welcome window; null if it does not show.
+  static HWND WelcomeWindow();
+
   // The region list.
   int Rows() const;
   std::wstring Cell(int row, int column) const;

@@ -443,6 +443,10 @@ std::wstring Operator::ConsoleTextWith(const std::wstring& awaited) const {
   return text;
 }
 
+void Operator::SwitchLanguage() const {
+  Send(dialog_, WM_SYSCOMMAND, IDM_LANGUAGE, 0);
+}
+
 void Operator::ClearConsole() const {
   Press(IDC_CLEAR_CONSOLE);
   WaitUntil("an empty console", [this] { return ConsoleText().empty(); });

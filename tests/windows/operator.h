@@ -107,6 +107,9 @@ class Operator {
   // Empties the console, as its button does.
   void ClearConsole() const;
 
+  // Chooses the system menu's item that changes the language.
+  void SwitchLanguage() const;
+
   // Closes the welcome window if it shows.
   void DismissWelcome() const;
   // Closes the main window and with it the program.

@@ -33,6 +33,7 @@ constexpr char kUsage[] =
     "  type ID TEXT        replaces the text of an edit box\n"
     "  drag X Y X2 Y2      drags in the image view, in view pixels\n"
     "  console TEXT        prints the console's text once it has TEXT\n"
+    "  language            changes the language by the system menu\n"
     "  close               ends the program\n"
     "  desktop             keeps Wine's desktop until it is ended\n";
 
@@ -142,6 +143,8 @@ bool Run(const std::vector<std::wstring>& words) {
                     {std::stoi(words[3]), std::stoi(words[4])});
   } else if (step == L"console" && words.size() == 2) {
     Print(Operator().ConsoleTextWith(words[1]));
+  } else if (step == L"language" && words.size() == 1) {
+    Operator().SwitchLanguage();
   } else if (step == L"close" && words.size() == 1) {
     Operator().Close();
   } else if (step == L"desktop" && words.size() == 1) {

@@ -17,22 +17,6 @@ namespace {
 
 class StartUp : public MainDialogTest {
  protected:
-  static HWND PopUp() {
-    HWND found = nullptr;
-    ::EnumThreadWindows(
-        ::GetCurrentThreadId(),
-        [](HWND window, LPARAM result) -> BOOL {
-          constexpr LONG kNotice =
-              WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE;
-          if ((::GetWindowLongW(window, GWL_EXSTYLE) & kNotice) == kNotice &&
-              ::IsWindowVisible(window)) {
-            *reinterpret_cast<HWND*>(result) = window;
-          }
-          return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&found));
-    return found;
-  }
   // The system menu's last item.
   std::pair<UINT, std::wstring> LastSystemCommand() const {
     const HMENU menu = ::GetSystemMenu(dialog.m_hWnd, FALSE);
@@ -169,7 +153,7 @@ TEST_F(StartUp, RequestAndHidingStandSideBySide) {
 
 TEST_F(StartUp, WelcomeWindowStandsInTheCorner) {
   Run([&] {
-    const HWND popUp = PopUp();
+    const HWND popUp = WelcomeWindow();
     ASSERT_NE(popUp, nullptr);
     CRect place, client, work;
     ::GetWindowRect(popUp, &place);
@@ -183,7 +167,7 @@ TEST_F(StartUp, WelcomeWindowStandsInTheCorner) {
 
 TEST_F(StartUp, RightClickClosesTheWelcomeWindow) {
   Run([&] {
-    const HWND popUp = PopUp();
+    const HWND popUp = WelcomeWindow();
     ::SendMessageW(popUp, WM_RBUTTONDOWN, MK_RBUTTON, 0);
     EXPECT_FALSE(::IsWindow(popUp));
   });
@@ -319,15 +303,59 @@ TEST(SingleInstance, SecondStartSaysSoAndEnds) {
   ::CloseHandle(again);
 }
 
-TEST(StartOptions, PathAndLanguage) {
-  wchar_t path[] = L"C:\\图像\\a b.png", english[] = L"--english",
-          other[] = L"x.png";
-  wchar_t* const all[] = {english, path, other};
-  const rendal::StartOptions options = rendal::ParseStartOptions(all);
-  EXPECT_EQ(options.image.wstring(), path);
-  EXPECT_EQ(options.language, rendal::kEnglish);
-  EXPECT_TRUE(rendal::ParseStartOptions({}).image.empty());
-  EXPECT_EQ(rendal::ParseStartOptions({}).language, rendal::kChinese);
+rendal::StartOptions Parsed(std::vector<std::wstring> words) {
+  std::vector<wchar_t*> arguments;
+  for (std::wstring& word : words) arguments.push_back(word.data());
+  return rendal::ParseStartOptions(arguments);
+}
+
+using Strings = std::vector<std::wstring>;
+
+TEST(StartOptions, NothingIsChineseWithoutAnImage) {
+  const rendal::StartOptions options = Parsed({});
+  EXPECT_TRUE(options.image.empty());
+  EXPECT_EQ(options.language, rendal::kChinese);
+  EXPECT_EQ(options.ignored, Strings{});
+}
+
+TEST(StartOptions, PathAndLanguageComeInAnyOrder) {
+  const std::wstring path = L"C:\\图像\\a b.png";
+  for (const Strings& words :
+       {Strings{path, L"/lang", L"en"}, Strings{L"/lang", L"en", path},
+        Strings{L"/LANG", L"EN", path}, Strings{path, L"-lang", L"en"},
+        Strings{path, L"--lang", L"en"},
+        Strings{L"/lang", L"zh", path, L"/lang", L"en"}}) {
+    const rendal::StartOptions options = Parsed(words);
+    EXPECT_EQ(options.image.wstring(), path);
+    EXPECT_EQ(options.language, rendal::kEnglish);
+    EXPECT_EQ(options.ignored, Strings{});
+  }
+  EXPECT_EQ(Parsed({L"/lang", L"en", L"/lang", L"zh"}).language,
+            rendal::kChinese);
+}
+
+TEST(StartOptions, WhatIsNotUnderstoodIsIgnoredAndNamed) {
+  const rendal::StartOptions options =
+      Parsed({L"/full", L"--english", L"/lang", L"fr", L"a.png", L"b.png", L"-",
+              L"", L"/lang"});
+  EXPECT_EQ(options.image.wstring(), L"a.png");
+  EXPECT_EQ(options.language, rendal::kChinese);
+  EXPECT_EQ(options.ignored, (Strings{L"/full", L"--english", L"/lang fr",
+                                      L"b.png", L"-", L"", L"/lang"}));
+}
+
+TEST(StartOptions, PathsFromTheRootAreImages) {
+  EXPECT_EQ(Parsed({L"/data/a.png"}).image.wstring(), L"/data/a.png");
+  EXPECT_EQ(Parsed({L"-1.png"}).image.wstring(), L"-1.png");
+}
+
+TEST_F(StartUp, ConsoleNamesTheOptionsThatWereIgnored) {
+  dialog.m_ignoredOptions = {L"/full", L"图"};
+  std::vector<std::wstring> rows;
+  RunOnConsole([&] { rows = ConsoleRows(); });
+  ASSERT_GE(rows.size(), 2u);
+  EXPECT_EQ(rows[0], L"option ignored: /full");
+  EXPECT_EQ(rows[1], L"option ignored: 图");
 }
 
 TEST_F(StartUp, ImageOfTheCommandLineIsLoaded) {
