@@ -8,6 +8,7 @@
 #include <numbers>
 #include <opencv2/imgproc.hpp>
 
+#include "app/view/circle_painter.h"
 #include "app/view/roi_painter.h"
 
 namespace rendal {
@@ -26,10 +27,6 @@ constexpr int kMarkerRadiusPx = 2;
 constexpr int kMarkerCircleThickness = 2;
 constexpr double kNumberScalePerZoom = 0.0625;
 
-// Fitted shapes are drawn from positions this fine, 1/64 view pixel: rounding
-// their points first and their pixels again would move them by up to a pixel.
-constexpr int kFractionBits = 6;
-
 template <typename Values>
 bool AllFinite(const Values& values) {
   return std::all_of(std::begin(values), std::end(values),
@@ -42,17 +39,6 @@ bool AllZero(const Values& values) {
                      [](float v) { return v == 0; });
 }
 
-void DrawSegment(cv::Mat& picture, cv::Point2f from, cv::Point2f to,
-                 const cv::Scalar& color) {
-  cv::line(picture, NearestPixel(from), NearestPixel(to), color, kThickness,
-           kEightConnected);
-}
-
-cv::Point WithFraction(cv::Point2f at) {
-  constexpr int kParts = 1 << kFractionBits;
-  return {RoundToInt(at.x * kParts), RoundToInt(at.y * kParts)};
-}
-
 // Narrows [*first, *last] to the t for which `start + t * step` lies in
 // 0..limit; false if there is none.
 bool ClipTo(double start, double step, double limit, double* first,
@@ -63,6 +49,29 @@ bool ClipTo(double start, double step, double limit, double* first,
   *first = std::max(*first, std::min(a, b));
   *last = std::min(*last, std::max(a, b));
   return *first <= *last;
+}
+
+// Between whole pixels. What goes beyond the picture is cut off here, at most a
+// pixel outside: the drawing functions would move the rest by up to a pixel.
+void DrawSegment(cv::Mat& picture, cv::Point2f from, cv::Point2f to,
+                 const cv::Scalar& color) {
+  const cv::Point start = NearestPixel(from);
+  const cv::Point end = NearestPixel(to);
+  const cv::Point2d step = end - start;
+  double first = 0;
+  double last = 1;
+  if (!ClipTo(start.x + 1, step.x, picture.cols + 1, &first, &last) ||
+      !ClipTo(start.y + 1, step.y, picture.rows + 1, &first, &last)) {
+    return;
+  }
+  if (first == 0 && last == 1) {
+    cv::line(picture, start, end, color, kThickness, kEightConnected);
+  } else {
+    const cv::Point2d origin = start;
+    cv::line(picture, WithFraction(origin + first * step),
+             WithFraction(origin + last * step), color, kThickness,
+             kEightConnected, kFractionBits);
+  }
 }
 
 void DrawFittedLine(const float (&values)[5], const ViewState& view,
@@ -85,10 +94,11 @@ void DrawFittedLine(const float (&values)[5], const ViewState& view,
            kThickness, kEightConnected, kFractionBits);
 }
 
-void DrawFittedEllipse(cv::Point2f center, float half_axis1, float half_axis2,
-                       float angle, const ViewState& view, cv::Mat& picture) {
-  const std::vector<cv::Point2f> outline = EllipseOutline(
-      center, half_axis1 * view.zoom, half_axis2 * view.zoom, angle);
+void DrawFittedEllipse(const float (&values)[5], const ViewState& view,
+                       cv::Mat& picture) {
+  const std::vector<cv::Point2f> outline =
+      EllipseOutline(view.ToView(values[0], values[1]), values[3] * view.zoom,
+                     values[4] * view.zoom, values[2]);
   std::vector<cv::Point> corners(outline.size());
   std::transform(outline.begin(), outline.end(), corners.begin(), WithFraction);
   cv::polylines(picture, corners, true, kFitColor, kThickness, kEightConnected,
@@ -183,15 +193,12 @@ void DrawShape(const ShapeEntry& shape, const ViewState& view,
       break;
     case kFittedCircle:
       if (v[2] != 0) {
-        DrawFittedEllipse(view.ToView(v[0], v[1]), v[2], v[2], 0, view,
-                          picture);
+        DrawCircle(view.ToView(v[0], v[1]), v[2] * view.zoom, kFitColor,
+                   kThickness, picture);
       }
       break;
     case kFittedEllipse:
-      if (v[3] != 0 || v[4] != 0) {
-        DrawFittedEllipse(view.ToView(v[0], v[1]), v[3], v[4], v[2], view,
-                          picture);
-      }
+      if (v[3] != 0 || v[4] != 0) DrawFittedEllipse(v, view, picture);
       break;
     case kSegment:
       DrawSegment(picture, view.ToView(v[0], v[1]), view.ToView(v[2], v[3]),

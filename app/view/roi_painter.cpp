@@ -6,6 +6,7 @@
 #include <numbers>
 #include <opencv2/imgproc.hpp>
 
+#include "app/view/circle_painter.h"
 #include "app/view/roi_interaction.h"
 
 namespace rendal {
@@ -34,23 +35,18 @@ void DrawArrow(cv::Mat& picture, cv::Point2f from, cv::Point2f to, double tip) {
                   kRoiThickness, kEightConnected, 0, tip);
 }
 
-void DrawPolygon(cv::Mat& picture, const std::vector<cv::Point>& corners,
-                 const cv::Scalar& color) {
-  cv::polylines(picture, corners, true, color, kRoiThickness, kEightConnected);
+void DrawPolygon(cv::Mat& picture, const std::vector<cv::Point>& corners) {
+  cv::polylines(picture, corners, true, kRoiColor, kRoiThickness,
+                kEightConnected);
 }
 
 void DrawEllipse(cv::Mat& picture, cv::Point2f center, float half_axis1,
-                 float half_axis2, float angle, const cv::Scalar& color) {
+                 float half_axis2, float angle) {
   const std::vector<cv::Point2f> outline =
       EllipseOutline(center, half_axis1, half_axis2, angle);
   std::vector<cv::Point> corners(outline.size());
   std::transform(outline.begin(), outline.end(), corners.begin(), NearestPixel);
-  DrawPolygon(picture, corners, color);
-}
-
-void DrawCircle(cv::Mat& picture, cv::Point2f center, float radius,
-                const cv::Scalar& color) {
-  DrawEllipse(picture, center, radius, radius, 0, color);
+  DrawPolygon(picture, corners);
 }
 
 void DrawCross(cv::Mat& picture, cv::Point2f center, float half_length) {
@@ -67,8 +63,8 @@ void DrawLine(const RoiShape& shape, const ViewState& view, cv::Mat& picture) {
   const cv::Point2f end = view.ToView(v[2], v[3]);
   DrawArrow(picture, start, end, kLineTip);
   const float radius = kHandleRadiusImagePx * view.zoom;
-  DrawCircle(picture, start, radius, kHandleColor);
-  DrawCircle(picture, end, radius, kHandleColor);
+  DrawCircle(start, radius, kHandleColor, kRoiThickness, picture);
+  DrawCircle(end, radius, kHandleColor, kRoiThickness, picture);
 }
 
 void DrawBand(const RoiShape& shape, double width, const ViewState& view,
@@ -84,7 +80,7 @@ void DrawBand(const RoiShape& shape, double width, const ViewState& view,
     const std::vector<cv::Point> corners = {
         NearestPixel(start + across), NearestPixel(end + across),
         NearestPixel(end - across), NearestPixel(start - across)};
-    DrawPolygon(picture, corners, kRoiColor);
+    DrawPolygon(picture, corners);
     const auto [left, right] =
         std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
     const auto [top, bottom] =
@@ -99,7 +95,7 @@ void DrawRoiCircle(const RoiShape& shape, const ViewState& view,
                    cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f center = view.ToView(v[0], v[1]);
-  DrawCircle(picture, center, v[2] * view.zoom, kRoiColor);
+  DrawCircle(center, v[2] * view.zoom, kRoiColor, kRoiThickness, picture);
   DrawCross(picture, center, kHandleRadiusImagePx * view.zoom);
 }
 
@@ -107,8 +103,7 @@ void DrawRoiEllipse(const RoiShape& shape, const ViewState& view,
                     cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f center = view.ToView(v[0], v[1]);
-  DrawEllipse(picture, center, v[3] * view.zoom, v[4] * view.zoom, v[2],
-              kRoiColor);
+  DrawEllipse(picture, center, v[3] * view.zoom, v[4] * view.zoom, v[2]);
   DrawCross(picture, center, kEllipseCrossPx);
   const double radians = v[2] / 180 * std::numbers::pi;
   const cv::Point2f first(static_cast<float>(std::cos(radians)),
@@ -116,8 +111,8 @@ void DrawRoiEllipse(const RoiShape& shape, const ViewState& view,
   DrawArrow(picture, center, center + kAxisArrowPx * first, kAxisTip);
   const std::vector<cv::Point2f> handles = HandlesOf(shape);
   for (size_t i = 1; i < handles.size(); ++i) {
-    DrawCircle(picture, view.ToView(handles[i].x, handles[i].y),
-               kEllipseHandlePx, kHandleColor);
+    DrawCircle(view.ToView(handles[i].x, handles[i].y), kEllipseHandlePx,
+               kHandleColor, kRoiThickness, picture);
   }
 }
 
