@@ -243,6 +243,22 @@ TEST_F(ImageLoader, LoadingFitsTheViewAndResetsShapesAndResults) {
   }
 }
 
+TEST_F(ImageLoader, LoadingKeepsTheInteractionAndTheHistory) {
+  m_view.pointerX = 3;
+  m_view.hoverY = 5;
+  m_view.dragging = true;
+  m_view.grabbed = 1 << 16 | 1;
+  m_bench.m_regionHistory.resize(2);
+  m_bench.m_toolMode = kToolBand;
+  LoadMat(cv::Mat(30, 40, CV_8U, cv::Scalar(5)), ".png");
+  EXPECT_EQ(m_view.pointerX, 3);
+  EXPECT_EQ(m_view.hoverY, 5);
+  EXPECT_TRUE(m_view.dragging);
+  EXPECT_EQ(m_view.grabbed, 1 << 16 | 1);
+  EXPECT_EQ(m_bench.m_regionHistory.size(), 2u);
+  EXPECT_EQ(m_bench.m_toolMode, kToolBand);
+}
+
 TEST_F(ImageLoader, TwoChannelImageIsRefusedAndTheRestKept) {
   LoadMat(cv::Mat(3000, 4000, CV_8U, cv::Scalar(5)), ".png");
   m_view.zoom = 3;

@@ -239,6 +239,21 @@ TEST_F(RefreshWithResults, ResultsAreDrawnOverTheRegionOfInterest) {
   EXPECT_EQ(At(132, 100), kMagenta);
 }
 
+// Rectangles, then points, then shapes of a record; records in their order.
+TEST_F(RefreshWithResults, LaterPartsAndRecordsAreDrawnOverEarlierOnes) {
+  const ShapeEntry line{kFittedLine, {1, 0, 60, 40, 0}};
+  m_bench.m_toolMode = kToolNone;
+  m_bench.m_results = {{{{60, 40, 0, 20, 5}}, {{60, 40}}, {}}};
+  Refresh();
+  EXPECT_EQ(At(131, 100), kMagenta);  // the marker over the scan's arrow
+  m_bench.m_results = {{{}, {{60, 40}}, {line}}};
+  Refresh();
+  EXPECT_EQ(At(132, 100), kBlue);  // the fit over the marker
+  m_bench.m_results = {{{}, {}, {line}}, {{}, {{60, 40}}, {}}};
+  Refresh();
+  EXPECT_EQ(At(132, 100), kMagenta);  // the second record over the first
+}
+
 TEST_F(RefreshWithResults, HiddenResultsLeaveTheRegionOfInterest) {
   m_bench.m_hideResults = 1;
   Refresh();

@@ -186,6 +186,21 @@ TEST_F(RoiInteraction, EllipseHandlesStandInHitOrder) {
   EXPECT_EQ(handles[3], cv::Point2f(100, 150));
 }
 
+// Small shapes: several handles are within reach.
+TEST_F(RoiInteraction, HandlesAreTestedInTheirOrderTheFirstHitWins) {
+  m_view.zoom = 1;
+  m_view.offsetX = m_view.offsetY = 0;
+  const RoiShape circle{kToolCircle, {200, 150, 15, 0, 0}};
+  EXPECT_EQ(HitHandle(circle, m_view, 215, 150), 0);
+  EXPECT_EQ(HitHandle(circle, m_view, 221, 150), 1);
+  const RoiShape ellipse{kToolEllipse, {200, 150, 0, 25, 25}};
+  EXPECT_EQ(HitHandle(ellipse, m_view, 210, 140), 0);
+  EXPECT_EQ(HitHandle(ellipse, m_view, 218, 132), 1);  // 1 and 2 in reach
+  EXPECT_EQ(HitHandle(ellipse, m_view, 182, 132), 2);  // 2 and 3 in reach
+  EXPECT_EQ(HitHandle(ellipse, m_view, 175, 160), 3);
+  EXPECT_EQ(HitHandle(ellipse, m_view, 200, 175), -1);
+}
+
 TEST_F(RoiInteraction, EllipseAxisEndsSizeTheirAxes) {
   RoiShape shape{kToolEllipse, {200, 150, 0, 100, 50}};
   MoveHandle(shape, 1, {260, 170});

@@ -279,6 +279,30 @@ TEST(BlobToolModes, ConnectionListsTheSameRowsInBoth) {
   EXPECT_EQ(rows[0].size(), 3u);
 }
 
+// Hundreds of components, with holes and of every shape.
+TEST(BlobToolModes, ConnectionShowsTheSamePictureRowsAndMessageInBoth) {
+  CaptureStdout();
+  cv::Mat image(150, 200, CV_8U);
+  cv::theRNG().state = 11;
+  cv::randu(image, 0, 256);
+  cv::blur(image, image, cv::Size(3, 3));
+  ConnectionReport reports[2];
+  cv::Mat pictures[2];
+  for (const int mode : {0, 1}) {
+    Workbench bench;
+    bench.m_parallelMode = mode;
+    bench.m_srcImage = image;
+    Threshold(bench, {140, 255});
+    reports[mode] = Connection(bench);
+    pictures[mode] = Painted(bench.m_regionOverlay, image.size());
+  }
+  GetCapturedStdout();
+  EXPECT_EQ(reports[0].status.text, reports[1].status.text);
+  EXPECT_EQ(reports[0].rows, reports[1].rows);
+  EXPECT_EQ(reports[0].rows->size(), 100u);
+  EXPECT_TRUE(SamePicture(pictures[0], pictures[1]));
+}
+
 // What every button must show, from the image library's own morphology.
 struct ButtonCase {
   RegionOperation operation;

@@ -246,6 +246,24 @@ TEST_F(Caliper, FailedFitIsPrintedAndStoredAsItStands) {
   ExpectShape(kFittedCircle, {7, 8, 9, 0, 0});
 }
 
+// Whatever the fit left behind, in every mode that fits.
+TEST_F(Caliper, FailedFitsPrintTheBuffer) {
+  library.fit = {1, 0, 3, 4, 5};
+  library.fit_code = VEXOLAB_E_TOO_FEW;
+  EXPECT_EQ(Press(kToolLine),
+            "measure line\nelasped time:Ts\n\n"
+            "line center = (    3.0000,     4.0000), angle =   0.0000\n");
+  EXPECT_EQ(Press(kToolCircle),
+            "measure circle\nelasped time:Ts\n\n"
+            "circle center = (    1.0000,     0.0000), radius =     3.0000\n");
+  EXPECT_EQ(Press(kToolEllipse),
+            "measure ellipse\nelasped time:Ts\n\n"
+            "ellipse center = (    1.0000,     0.0000), "
+            "size = (    4.0000,     5.0000), angle =     3.0000\n");
+  EXPECT_EQ(library.calls.size(), 15u);  // each released its two ids
+  EXPECT_EQ(bench.m_hideResults, 0);
+}
+
 TEST_F(Caliper, NoPointsGiveAFitOnNone) {
   library.points.clear();
   library.fit.clear();
