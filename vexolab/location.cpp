@@ -229,7 +229,6 @@ location strip_fit::finish() {
 
   location l;
   l.fitted = true;
-  l.blur = model_.blur;
   for (size_t i = 0; i < kCoreUnknowns; ++i) {
     l.variance += variance * x[i] * x[i];
     l.per_curvature -= x[i] * e.matrix[kCurvature][i] * half * half / 2;
@@ -244,6 +243,7 @@ location strip_fit::finish() {
   move(backward<kCoreUnknowns>(e.matrix, y), bounds_, &model_);
   l.u = bounds_.centre + model_.position;
   l.tilt = model_.tilt / half;
+  l.blur = model_.blur;
   return l;
 }
 
