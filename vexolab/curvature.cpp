@@ -217,10 +217,26 @@ bool ellipse_of(const std::vector<frame>& frames, double* ellipse) {
   return true;
 }
 
-// Curvature at each rectangle if all of them stand on one ellipse, along its
+// The bend of an ellipse of half-axes a and b at (a p, b q), p^2 + q^2 = 1,
+// seen from within along its normal; derivatives along growing angle.
+arc arc_of_ellipse(double a, double b, double p, double q) {
+  const double speed2 = a * a * q * q + b * b * p * p;
+  const double speed = std::sqrt(speed2);
+  const double first = 2 * (a * a - b * b) * p * q;  // of speed2, by angle
+  const double second = 2 * (a * a - b * b) * (p * p - q * q);
+  const double cube = speed2 * speed2 * speed2;
+  arc result;
+  result.curvature = -a * b / (speed2 * speed);
+  result.first = 1.5 * a * b * first / cube;
+  result.second =
+      1.5 * a * b / (speed * cube) * (second - 3 * first * first / speed2);
+  return result;
+}
+
+// The arc at each rectangle if all of them stand on one ellipse, along its
 // normals: then it is known exactly, however few they are.
-bool curvature_of_ellipse(const std::vector<frame>& frames,
-                          std::vector<double>* result) {
+bool arcs_of_ellipse(const std::vector<frame>& frames,
+                     std::vector<arc>* result) {
   constexpr double kAlongNormal = 0.02;  // radians
   double e[5];
   if (!ellipse_of(frames, e)) return false;
@@ -236,9 +252,12 @@ bool curvature_of_ellipse(const std::vector<frame>& frames,
     const double nx = nu * own.cos + nv * own.sin;
     const double ny = -nu * own.sin + nv * own.cos;
     if (!(std::fabs(f.cos * ny + f.sin * nx) < kAlongNormal)) return false;
-    const double speed = std::hypot(e[3] * q, e[4] * p);
-    const double curvature = e[3] * e[4] / (speed * speed * speed);
-    (*result)[i] = f.cos * nx - f.sin * ny > 0 ? -curvature : curvature;
+    arc& a = (*result)[i] = arc_of_ellipse(e[3], e[4], p, q);
+    // Outward v runs as p, q do when seen in the ellipse's own axes; inward all
+    // is mirrored, u and v.
+    if (f.cos * nx - f.sin * ny > 0) continue;
+    a.curvature = -a.curvature;
+    a.second = -a.second;
   }
   return true;
 }
@@ -269,26 +288,26 @@ std::vector<double> curvature_by_neighbours(const std::vector<frame>& frames) {
 
 }  // namespace
 
-std::vector<double> curvature_of_rectangles(const std::vector<frame>& frames) {
-  if (frames.size() < 2) return std::vector<double>(frames.size(), 0.0);
-  std::vector<double> result = curvature_by_neighbours(frames);
-  if (!all_alike(result)) {
-    std::vector<double> exact(frames.size());
-    if (curvature_of_ellipse(frames, &exact)) return exact;
-  }
+std::vector<arc> arcs_of_rectangles(const std::vector<frame>& frames) {
+  std::vector<arc> result(frames.size());
+  if (frames.size() < 2) return result;
+  const std::vector<double> curvatures = curvature_by_neighbours(frames);
+  if (!all_alike(curvatures) && arcs_of_ellipse(frames, &result)) return result;
+  for (size_t i = 0; i < frames.size(); ++i) result[i] = {curvatures[i]};
   return result;
 }
 
 std::vector<double> curvature_of_points(
-    const std::vector<frame>& frames, const std::vector<double>& drawn,
+    const std::vector<frame>& frames, const std::vector<arc>& drawn,
     const std::vector<measured_point>& points) {
   std::vector<double> result(frames.size());
   std::vector<double> ratios;
   for (size_t i = 0; i < frames.size(); ++i) {
     result[i] = points[i].curvature;
-    if (!points[i].found || drawn[i] == 0) continue;
-    collect_ratios(frames, points, i, drawn[i], &ratios);
-    if (const auto ratio = believable(&ratios)) result[i] = *ratio * drawn[i];
+    const double by_drawing = drawn[i].curvature;
+    if (!points[i].found || by_drawing == 0) continue;
+    collect_ratios(frames, points, i, by_drawing, &ratios);
+    if (const auto ratio = believable(&ratios)) result[i] = *ratio * by_drawing;
   }
   return result;
 }

@@ -14,11 +14,11 @@
 
 namespace vexolab {
 
-// Curvature of the path that the rectangles' centres follow, at each of them:
-// positive when it bends toward the scan direction. The list is taken as
-// closed. 0 for rectangles in a row, and where neighbours do not turn with the
-// path that their centres suggest: those are unrelated.
-std::vector<double> curvature_of_rectangles(const std::vector<frame>& frames);
+// How the path is bent that the rectangles' centres follow, at each of them.
+// The list is taken as closed. Straight for rectangles in a row, and where
+// neighbours do not turn with the path that their centres suggest: those are
+// unrelated. The derivatives of the curvature are known on ellipses only.
+std::vector<arc> arcs_of_rectangles(const std::vector<frame>& frames);
 
 struct measured_point {
   bool found;
@@ -32,7 +32,7 @@ struct measured_point {
 // Elsewhere, and where the rectangles have none, what the point was measured
 // along.
 std::vector<double> curvature_of_points(
-    const std::vector<frame>& frames, const std::vector<double>& drawn,
+    const std::vector<frame>& frames, const std::vector<arc>& drawn,
     const std::vector<measured_point>& points);
 
 }  // namespace vexolab

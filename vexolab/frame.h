@@ -49,6 +49,15 @@ inline int floor_of(double value) {
   return whole - (value < whole ? 1 : 0);
 }
 
+// How an edge is bent where it crosses the scan axis: its curvature [1/px],
+// positive when it bends toward positive u, and the curvature's first two
+// derivatives along v. They are small corrections of the circle.
+struct arc {
+  double curvature = 0;
+  double first = 0;
+  double second = 0;
+};
+
 // How far a circle of the given curvature, tangent to the cross direction at
 // v = 0, has left it at v: positive curvature bends toward positive u. Series,
 // good to 1e-3 up to turns of 30 degrees.

@@ -90,15 +90,14 @@ double move(const vector_n<kCoreUnknowns>& x, const strip_bounds& b,
 class strip_fit {
  public:
   strip_fit(const frame& f, const profile& p, const edge_start& s,
-            double curvature, pixel_strip* strip)
+            const arc& bend, pixel_strip* strip)
       : frame_(f),
         profile_(p),
         start_(s),
         strip_(*strip),
         square_kurtosis_(square_kurtosis(f)),
         with_tilt_(2 * f.half_width >= kLeastWidth) {
-    bounds_ = {s.u, 0, curvature,
-               0,   0, std::max(f.half_width, kLeastWidth / 2)};
+    bounds_ = {s.u, 0, bend, 0, 0, std::max(f.half_width, kLeastWidth / 2)};
     model_.blur = s.blur;
   }
 
@@ -333,12 +332,12 @@ void locator::find_flats(const profile& p, edge_start* s) const {
 }
 
 location locator::locate(const image& picture, const frame& f, const profile& p,
-                         const edge& found, double sigma, double curvature) {
+                         const edge& found, double sigma, const arc& bend) {
   location detected;
   detected.u = found.u;
   edge_start s;
   if (!find_start(p, found, sigma, &s)) return detected;
-  strip_fit fit(f, p, s, curvature, &strip_);
+  strip_fit fit(f, p, s, bend, &strip_);
   if (!fit.run(picture, found.amplitude > 0)) return detected;
   const location l = fit.finish();
   // A turned edge smears the profile, and the detector's peak may be anywhere

@@ -58,9 +58,9 @@ class locator {
  public:
   // `p` is the profile of the rectangle `f`, `found` one of its edges, detected
   // with `sigma`: the location differs by max(1, 0.6 sigma) px at most, else
-  // the detector's position stands. `curvature` is the edge's, if known.
+  // the detector's position stands. `bend` is the edge's, if known.
   location locate(const image& picture, const frame& f, const profile& p,
-                  const edge& found, double sigma, double curvature);
+                  const edge& found, double sigma, const arc& bend);
 
   // To be called for every new profile, before the first edge of it.
   void prepare(const profile& p) { fine_.compute(p, kernel_); }

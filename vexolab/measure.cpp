@@ -24,11 +24,14 @@ constexpr double kCurvatureCaution = 8;
 // the curvature and the blur as they are measured on the blurred edge, is 5/12
 // of (c s)^2 where the grey beside the edge is known. It is fitted from 6 to 12
 // blurs on either side, takes up a part, and leaves 0.44 to 0.49.
+// Where the curvature changes, blur averages that too.
 constexpr double kNextOrder = 0.47;
 
-double blur_displacement(double curvature, double blur) {
-  const double cs = curvature * blur;
-  return 0.5 * cs * blur * (1 - kNextOrder * cs * cs);
+double blur_displacement(const arc& bend, double blur) {
+  const double cs = bend.curvature * blur;
+  const double s2 = blur * blur;
+  return 0.5 * cs * blur * (1 - kNextOrder * cs * cs) +
+         0.125 * bend.second * s2 * s2;
 }
 
 // The dearer a doubt would be in noise, the more evidence it needs.
@@ -60,8 +63,8 @@ bool clearly_bent(const location& l, double half_width) {
 
 struct measured_edge {
   location at;
-  double curvature = 0;  // along which it was measured
-  int resampled = 0;     // times; then the edges of the last find() are gone
+  arc bend;           // along which it was measured
+  int resampled = 0;  // times; then the edges of the last find() are gone
 };
 
 // All that measuring one rectangle after another needs; one for each thread.
@@ -89,27 +92,27 @@ class rectangle_measurer {
     return edges_;
   }
 
-  // Locates an edge of the last find(), along an arc of that curvature or, if
-  // its pixels clearly say so, of another: then the profile is sampled anew.
-  measured_edge locate(const frame& f, const edge& found, double curvature) {
+  // Locates an edge of the last find(), along that arc or, if its pixels
+  // clearly say so, along a circle: then the profile is sampled anew.
+  measured_edge locate(const frame& f, const edge& found, const arc& bend) {
     edge e = found;
     measured_edge result;
     result.at.u = e.u;
-    result.curvature = curvature;
+    result.bend = bend;
     if (exhausted()) return result;
-    result.at = locate_along(f, e, curvature);
+    result.at = locate_along(f, e, bend);
     while (result.resampled < kMostBends && !exhausted()) {
-      const double half_width = narrowed(f, result.curvature).half_width;
+      const double half_width = narrowed(f, result.bend.curvature).half_width;
       if (!result.at.fitted || !clearly_bent(result.at, half_width)) break;
       const double limit = kLargestTurn / std::max(f.half_width, 1.0);
-      const double bent =
-          std::clamp(result.curvature + result.at.bent, -limit, limit);
+      const arc bent = {
+          std::clamp(result.bend.curvature + result.at.bent, -limit, limit)};
       ++result.resampled;
-      if (!find_again(f, bent, result.at.u, &e)) break;
+      if (!find_again(f, bent.curvature, result.at.u, &e)) break;
       const location again = locate_along(f, e, bent);
       if (!again.fitted) break;
       result.at = again;
-      result.curvature = bent;
+      result.bend = bent;
     }
     return result;
   }
@@ -127,9 +130,9 @@ class rectangle_measurer {
     return f;
   }
 
-  location locate_along(const frame& f, const edge& e, double curvature) {
-    return locator_.locate(picture_, narrowed(f, curvature), profile_, e,
-                           how_.sigma, curvature);
+  location locate_along(const frame& f, const edge& e, const arc& bend) {
+    return locator_.locate(picture_, narrowed(f, bend.curvature), profile_, e,
+                           how_.sigma, bend);
   }
 
   // The edge of the same polarity nearest to u along another arc.
@@ -161,11 +164,13 @@ double corrected(const measured_edge& m, double c, double half_length) {
   const location& l = m.at;
   double u = l.u;
   if (l.fitted) {
-    const double known = (c - m.curvature) * l.per_curvature;
+    arc bend = m.bend;
+    bend.curvature = c;
+    const double known = (c - m.bend.curvature) * l.per_curvature;
     const doubt rest = {l.curvature.shift - known, l.curvature.variance};
     u += known + admitted(rest, kCurvatureCaution);
     u += admitted(l.illumination, illumination_caution(l));
-    u -= blur_displacement(c, l.blur);
+    u -= blur_displacement(bend, l.blur);
   }
   return std::clamp(u, -half_length, half_length);
 }
@@ -206,7 +211,7 @@ void measure_rectangles(const image& picture, const detection& how,
     const float* r = rectangles + 5 * static_cast<ptrdiff_t>(i);
     if (measurable(r)) frames.push_back(frame_of(r[0], r[1], r[2], r[3], r[4]));
   }
-  const std::vector<double> drawn = curvature_of_rectangles(frames);
+  const std::vector<arc> drawn = arcs_of_rectangles(frames);
   const auto count = frames.size();
   std::vector<measured_edge> edges(count);
   std::vector<measured_point> found(count);
@@ -216,12 +221,12 @@ void measure_rectangles(const image& picture, const detection& how,
         for (auto i = static_cast<size_t>(begin); i < static_cast<size_t>(end);
              ++i) {
           const frame& f = frames[i];
-          const edge* e = select(measurer.begin(f, drawn[i]), which);
+          const edge* e = select(measurer.begin(f, drawn[i].curvature), which);
           if (!e) continue;
           edges[i] = measurer.locate(f, *e, drawn[i]);
           const double u = edges[i].at.u;
           found[i] = {true, f.image_x(u, 0), f.image_y(u, 0),
-                      edges[i].curvature};
+                      edges[i].bend.curvature};
         }
       });
   const std::vector<double> curvatures =
@@ -242,10 +247,10 @@ double measure_all_edges(const image& picture, const detection& how,
   rectangle_measurer measurer(picture, how);
   const std::vector<edge> edges = measurer.begin(f, 0);
   for (const edge& e : edges) {
-    const measured_edge m = measurer.locate(f, e, 0);
+    const measured_edge m = measurer.locate(f, e, {});
     // Another edge's arc is not this one's.
     if (m.resampled > 0) measurer.find(f, 0);
-    const double u = corrected(m, m.curvature, f.half_length);
+    const double u = corrected(m, m.bend.curvature, f.half_length);
     triples->insert(triples->end(),
                     {f.image_x(u, 0), f.image_y(u, 0), e.amplitude});
   }

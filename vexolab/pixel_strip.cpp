@@ -39,7 +39,7 @@ void pixel_strip::gather(const image& picture, const frame& f,
   const double v_reach = b.half_width + kHalfPixel;
   // How far the curve strays from its tangent, and that from u = centre, within
   // the strip.
-  const double stray = std::fabs(sagitta(b.curvature, v_reach)) + kBorder;
+  const double stray = std::fabs(sagitta(b.bend.curvature, v_reach)) + kBorder;
   const double reach = std::fabs(b.tilt) * v_reach + stray;
   const double u0 = b.centre + b.before - reach;
   const double u1 = b.centre + b.after + reach;
@@ -57,21 +57,25 @@ void pixel_strip::gather(const image& picture, const frame& f,
     add_row(picture, f, b, inverse, y, stray);
   }
   gathered_ += static_cast<double>(size_);
-  if (b.curvature != 0) bend(b);
+  if (b.bend.curvature != 0) bend(b.bend, b.half_width);
   pad();
 }
 
 // Replaces u by the distance from the circle through (0, 0): exactly, since its
-// second order is a shift of the edge, not only a shear.
-void pixel_strip::bend(const strip_bounds& b) {
-  const auto c = static_cast<float>(b.curvature);
-  const auto half_width = static_cast<float>(b.half_width);
+// second order is a shift of the edge, not only a shear. What the arc strays
+// from that circle is taken along u.
+void pixel_strip::bend(const arc& a, double half_width) {
+  const auto c = static_cast<float>(a.curvature);
+  const auto cubic = static_cast<float>(a.first / 6);
+  const auto quartic = static_cast<float>(a.second / 24);
+  const auto unit = static_cast<float>(half_width);
   for (size_t i = 0; i < size_; ++i) {
     const float u = t_[i];
-    const float v = v_[i] * half_width;
+    const float v = v_[i] * unit;
     const float w = 1.0f - c * u;
     t_[i] = (2.0f * u - c * (u * u + v * v)) /
             (1.0f + std::sqrt(w * w + c * c * v * v));
+    t_[i] -= v * v * v * (cubic + quartic * v);
   }
 }
 
@@ -98,7 +102,7 @@ void pixel_strip::add_row(const image& picture, const frame& f,
   for (int x = first; x <= last; ++x) {
     const double v = x * f.sin + row_v;
     const double u = x * f.cos + row_u;
-    const double along = u - sagitta(b.curvature, v) - b.tilt * v;
+    const double along = u - sagitta(b.bend.curvature, v) - b.tilt * v;
     const double weight = std::min(v_reach - std::fabs(v), 1.0);
     t_[n] = static_cast<float>(u);
     v_[n] = static_cast<float>(v * inverse.half_width);

@@ -17,7 +17,7 @@ namespace vexolab {
 struct strip_bounds {
   double centre;
   double tilt;
-  double curvature;
+  arc bend;
   double before;  // <= 0
   double after;   // >= 0
   double half_width;
@@ -52,7 +52,7 @@ class pixel_strip {
   };
   void add_row(const image& picture, const frame& f, const strip_bounds& b,
                const inverses& inverse, int y, double stray);
-  void bend(const strip_bounds& b);
+  void bend(const arc& a, double half_width);
   void reserve(size_t more);
   void pad();
 

@@ -255,7 +255,7 @@ Located Locate(double psf, double angle, double noise, double curvature) {
   EXPECT_EQ(edges.size(), 1u);
   locator l;
   l.prepare(p);
-  return {u, l.locate(view_of(g), f, p, edges.at(0), 1, curvature)};
+  return {u, l.locate(view_of(g), f, p, edges.at(0), 1, {curvature})};
 }
 
 TEST(Location, FindsPlaceAndBlurAtEveryAngle) {
@@ -292,38 +292,68 @@ std::vector<frame> FramesOf(const std::vector<float>& r) {
   return frames;
 }
 
-TEST(CurvatureOfRectangles, IsExactOnACircle) {
+TEST(ArcsOfRectangles, IsExactOnACircle) {
   for (const int direction : {1, -1}) {
     for (const int count : {3, 4, 7, 40}) {
       std::vector<float> r;
       ASSERT_EQ(
           rectangles_on_circle(100, 90, 60, {20, 10, direction, count}, &r), 0);
-      for (const double c : curvature_of_rectangles(FramesOf(r))) {
-        EXPECT_NEAR(c, -direction / 60.0, 2e-5);
+      for (const arc& a : arcs_of_rectangles(FramesOf(r))) {
+        EXPECT_NEAR(a.curvature, -direction / 60.0, 2e-5);
       }
     }
   }
 }
 
-TEST(CurvatureOfRectangles, IsExactOnAnEllipseHoweverFew) {
+TEST(ArcsOfRectangles, IsExactOnAnEllipseHoweverFew) {
   for (const int count : {6, 9, 30}) {
     std::vector<float> r;
     ASSERT_EQ(
         rectangles_on_ellipse(200, 150, 30, 80, 20, {20, 10, 1, count}, &r), 0);
-    const auto c = curvature_of_rectangles(FramesOf(r));
+    const auto arcs = arcs_of_rectangles(FramesOf(r));
     // The first stands at the end of the longer axis.
-    EXPECT_NEAR(c[0], -80.0 / 400, 1e-4);
+    EXPECT_NEAR(arcs[0].curvature, -80.0 / 400, 1e-4);
+    EXPECT_NEAR(arcs[0].first, 0, 1e-4);
+    EXPECT_NEAR(arcs[0].second, 3 * 80.0 * 6000 / 64e6, 1e-4);
   }
 }
 
-TEST(CurvatureOfRectangles, IsNoneOnALineAndForUnrelatedRectangles) {
+// Against differences of the curvature of rectangles close by, outward and
+// inward; v runs with growing angle outward, against it inward.
+TEST(ArcsOfRectangles, KnowHowCurvatureChangesAlongAnEllipse) {
+  constexpr int kCount = 4000;
+  for (const int direction : {1, -1}) {
+    std::vector<float> r;
+    ASSERT_EQ(rectangles_on_ellipse(200, 150, 30, 80, 30,
+                                    {20, 10, direction, kCount}, &r),
+              0);
+    const auto frames = FramesOf(r);
+    const auto arcs = arcs_of_rectangles(frames);
+    for (const size_t i : {300u, 900u, 1500u, 2700u}) {
+      const size_t before = i - 10, after = i + 10;
+      const double step = frames[i].v_of(frames[after].x, frames[after].y);
+      EXPECT_GT(-direction * step, 0.5);
+      const auto slope = [&](double low, double high) {
+        return (high - low) / (2 * step);
+      };
+      EXPECT_NEAR(arcs[i].first,
+                  slope(arcs[before].curvature, arcs[after].curvature), 2e-6);
+      EXPECT_NEAR(arcs[i].second, slope(arcs[before].first, arcs[after].first),
+                  2e-6);
+    }
+  }
+}
+
+TEST(ArcsOfRectangles, IsNoneOnALineAndForUnrelatedRectangles) {
   std::vector<float> r;
   ASSERT_EQ(rectangles_on_line(10, 20, 90, 70, {20, 10, 1, 9}, &r), 0);
-  for (const double c : curvature_of_rectangles(FramesOf(r))) EXPECT_EQ(c, 0);
+  for (const arc& a : arcs_of_rectangles(FramesOf(r))) {
+    EXPECT_EQ(a.curvature, 0);
+  }
   const std::vector<frame> apart = {frame_of(0, 0, 0, 9, 5),
                                     frame_of(30, 10, -100, 9, 5),
                                     frame_of(-5, 40, -60, 9, 5)};
-  for (const double c : curvature_of_rectangles(apart)) EXPECT_EQ(c, 0);
+  for (const arc& a : arcs_of_rectangles(apart)) EXPECT_EQ(a.curvature, 0);
 }
 
 TEST(CurvatureOfPoints, FollowsThePointsWhenTheDrawnShapeIsOff) {
@@ -336,7 +366,7 @@ TEST(CurvatureOfPoints, FollowsThePointsWhenTheDrawnShapeIsOff) {
   }
   points[7].found = false;
   const auto c =
-      curvature_of_points(frames, curvature_of_rectangles(frames), points);
+      curvature_of_points(frames, arcs_of_rectangles(frames), points);
   EXPECT_NEAR(c[0], -1.0 / 64, 1e-5);
   EXPECT_NEAR(c[8], -1.0 / 64, 1e-5);
 }
@@ -360,7 +390,8 @@ TEST(MeasureRectangles, SmallDiscsHaveTheirTrueRadius) {
     ASSERT_EQ(rectangles_on_circle(x, y, kRadius, {20, 10, 1, 0}, &rects), 0);
     const int count = static_cast<int>(rects.size() / 5);
     std::vector<double> points;
-    measure_rectangles(view_of(g), {1, 20}, strongest, rects.data(), count, &points);
+    measure_rectangles(view_of(g), {1, 20}, strongest, rects.data(), count,
+                       &points);
     ASSERT_EQ(points.size(), 2u * static_cast<size_t>(count));
     for (size_t k = 0; k < points.size() / 2; ++k, ++n) {
       sum += std::hypot(points[k] - x, points[k + points.size() / 2] - y);
