@@ -6,25 +6,19 @@
 // has nothing in common with them.
 #include <windows.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <numbers>
 #include <opencv2/core.hpp>
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/imgproc.hpp>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "app/view/image_loader.h"
-#include "app/view/roi_interaction.h"
-#include "app/view/view_commands.h"
 #include "gtest/gtest.h"
 #include "res/resource.h"
 #include "tests/windows/operator.h"
+#include "tests/windows/photographs.h"
+#include "tests/windows/screen.h"
+#include "tests/windows/twin.h"
 #include "tools/caliper_tool.h"
 #include "tools/line_finder.h"
 
@@ -33,17 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using rendal::CaliperParameters;
-
-// setup/environment.sh says where the photographs are.
-fs::path Photograph(const std::wstring& name) {
-  const wchar_t* const folder = ::_wgetenv(L"RENDAL_PHOTOGRAPHS");
-  if (folder == nullptr) throw std::runtime_error("no RENDAL_PHOTOGRAPHS");
-  for (const auto& entry :
-       fs::recursive_directory_iterator(L"Z:" + std::wstring(folder))) {
-    if (entry.path().filename() == name) return entry.path();
-  }
-  throw std::runtime_error("no photograph " + Utf8(name));
-}
 
 // Wide lines are broken by the console, and blanks lost where they are.
 std::wstring WithoutBlanks(std::wstring text) {
@@ -66,51 +49,23 @@ class MeasureEndToEnd : public testing::Test {
     process_ =
         std::make_unique<Process>(ProgramPath(), std::vector{image.wstring()});
     window_ = std::make_unique<Operator>(process_->id());
-    WaitUntil("a status", [this] { return !window().Status().empty(); });
-    const SIZE size = window().ViewSize();
-    view_.viewWidth = size.cx;
-    view_.viewHeight = size.cy;
-    rendal::LoadImageFile(image, bench_, view_);
-    ASSERT_TRUE(bench_.HasImage());
+    WaitUntil("a status", [this] { return !window_->Status().empty(); });
+    twin_ = std::make_unique<Twin>(*window_);
+    twin().Loaded(image);
+    ASSERT_TRUE(bench().HasImage());
   }
   const Operator& window() const { return *window_; }
-
-  void SetMode(int button, rendal::ToolMode mode) {
-    window().Click(button);
-    rendal::SelectToolMode(bench_, mode);
-  }
-  // Drags from one image point to another, in the window and beside it.
-  void Drag(cv::Point2f from, cv::Point2f to) {
-    const cv::Point start = ViewPixel(from);
-    const cv::Point end = ViewPixel(to);
-    window().Drag({start.x, start.y}, {end.x, end.y});
-    rendal::OnMouse({rendal::kLeftDown, start.x, start.y}, bench_, view_);
-    rendal::OnMouse({rendal::kMouseMove, end.x, end.y}, bench_, view_);
-    rendal::OnMouse({rendal::kLeftUp, end.x, end.y}, bench_, view_);
-  }
-  void ClearDisplay() {
-    window().Click(IDC_CLEAR_DISPLAY);
-    rendal::ClearDisplay(bench_);
-  }
-  void Type(const CaliperParameters& p) const {
-    window().Type(IDC_LENGTH, std::to_wstring(p.length));
-    window().Type(IDC_WIDTH, std::to_wstring(p.width));
-    window().Type(IDC_AMPLITUDE, std::to_wstring(p.amplitude));
-    window().Type(IDC_SIGMA, std::to_wstring(p.sigma));
-    window().Type(IDC_REPS, std::to_wstring(p.reps));
-    window().SetSpin(IDC_COUNT_SPIN, p.count);
-    window().Select(IDC_DIRECTION, p.direction > 0 ? 0 : 1);
-    window().Select(IDC_SELECTION, SelectionIndex(p.selection));
-  }
+  Twin& twin() const { return *twin_; }
+  rendal::Workbench& bench() const { return twin_->bench; }
 
   // Presses "measure" and expects on the console what the tool prints. Returns
   // the line with the result.
   std::string MeasureWith(const CaliperParameters& parameters) {
-    Type(parameters);
+    twin().Type(parameters);
     window().ClearConsole();
     window().Click(IDC_MEASURE);
     testing::internal::CaptureStdout();
-    rendal::Measure(bench_, parameters);
+    rendal::Measure(bench(), parameters);
     return ExpectOnConsole(testing::internal::GetCapturedStdout(), 1);
   }
   void FindLineWith(int display) {
@@ -118,23 +73,11 @@ class MeasureEndToEnd : public testing::Test {
     window().ClearConsole();
     window().Click(IDC_FIND_LINE);
     testing::internal::CaptureStdout();
-    rendal::FindLine(bench_, display);
+    rendal::FindLine(bench(), display);
     ExpectOnConsole(testing::internal::GetCapturedStdout(), 10);
   }
 
-  rendal::Workbench bench_;
-  rendal::ViewState view_;
-
  private:
-  cv::Point ViewPixel(cv::Point2f image) const {
-    return view_.ToView(image.x, image.y);
-  }
-  static int SelectionIndex(const std::string& name) {
-    const std::vector<std::string> names = {
-        "first+", "first-", "first", "last+", "last-", "last", "strongest"};
-    return static_cast<int>(std::find(names.begin(), names.end(), name) -
-                            names.begin());
-  }
   std::string ExpectOnConsole(const std::string& printed, int lines) const {
     const std::string expected = LastLines(printed, lines);
     EXPECT_FALSE(expected.empty());
@@ -153,68 +96,16 @@ class MeasureEndToEnd : public testing::Test {
 
   std::unique_ptr<Process> process_;
   std::unique_ptr<Operator> window_;
+  std::unique_ptr<Twin> twin_;
 };
-
-struct Circle {
-  double x, y, radius;
-};
-
-// The circle through the steepest descents of grey along 360 rays: bicubic
-// samples, smoothed, their derivative's extremum by a parabola; least squares.
-Circle CircleBySlopes(const cv::Mat& image, Circle start, double reach) {
-  constexpr double kStep = 0.1;
-  const int samples = static_cast<int>(2 * reach / kStep) + 1;
-  cv::Mat grey;
-  image.convertTo(grey, CV_32F);
-  cv::Mat equations(360, 3, CV_64F), right(360, 1, CV_64F);
-  for (int ray = 0; ray < 360; ++ray) {
-    const double c = std::cos(ray * std::numbers::pi / 180);
-    const double s = std::sin(ray * std::numbers::pi / 180);
-    const auto radius = [&](double k) {
-      return start.radius - reach + k * kStep;
-    };
-    cv::Mat x(1, samples, CV_32F), y(1, samples, CV_32F), profile;
-    for (int k = 0; k < samples; ++k) {
-      x.at<float>(k) = static_cast<float>(start.x + radius(k) * c);
-      y.at<float>(k) = static_cast<float>(start.y + radius(k) * s);
-    }
-    cv::remap(grey, profile, x, y, cv::INTER_CUBIC);
-    cv::GaussianBlur(profile, profile, cv::Size(), 1 / kStep, 1e-6,
-                     cv::BORDER_REPLICATE);
-    const auto descent = [&](int k) {
-      return profile.at<float>(k - 1) - profile.at<float>(k + 1);
-    };
-    int best = 2;
-    for (int k = 2; k < samples - 2; ++k) {
-      if (descent(k) > descent(best)) best = k;
-    }
-    const double before = descent(best - 1), at = descent(best),
-                 after = descent(best + 1);
-    const double r =
-        radius(best + 0.5 * (before - after) / (before - 2 * at + after));
-    // x^2 + y^2 = 2 a x + 2 b y + d about the starting centre.
-    equations.at<double>(ray, 0) = 2 * r * c;
-    equations.at<double>(ray, 1) = 2 * r * s;
-    equations.at<double>(ray, 2) = 1;
-    right.at<double>(ray) = r * r;
-  }
-  cv::Mat solution;
-  cv::solve(equations, right, solution, cv::DECOMP_SVD);
-  const double a = solution.at<double>(0), b = solution.at<double>(1);
-  return {start.x + a, start.y + b,
-          std::sqrt(solution.at<double>(2) + a * a + b * b)};
-}
-
-// A coin of the photograph, roughly.
-const Circle kCoin = {270.6, 118.8, 24.7};
 
 TEST_F(MeasureEndToEnd, CircleOnACoinAgreesWithItsSlopes) {
   Start(Photograph(L"coins.png"));
-  SetMode(IDC_MODE_CIRCLE, rendal::kToolCircle);
+  twin().SetMode(IDC_MODE_CIRCLE, rendal::kToolCircle);
   const cv::Point2f middle(0.5f * 384, 0.5f * 303);
   const cv::Point2f coin(270.6f, 118.8f);
-  Drag(middle, coin);
-  Drag(coin + cv::Point2f(0.25f * 303, 0), coin + cv::Point2f(24.7f, 0));
+  twin().Drag(middle, coin);
+  twin().Drag(coin + cv::Point2f(0.25f * 303, 0), coin + cv::Point2f(24.7f, 0));
   const std::string line = MeasureWith({12, 2, 20, 1, 0, 360, 1, "last-"});
   Circle measured = {};
   ASSERT_EQ(
@@ -222,7 +113,7 @@ TEST_F(MeasureEndToEnd, CircleOnACoinAgreesWithItsSlopes) {
                   &measured.x, &measured.y, &measured.radius),
       3)
       << line;
-  const Circle other = CircleBySlopes(bench_.m_srcImage, kCoin, 6);
+  const Circle other = CircleBySlopes(bench().m_srcImage, kCoin, 6);
   EXPECT_NEAR(measured.x, other.x, 0.05);
   EXPECT_NEAR(measured.y, other.y, 0.05);
   EXPECT_NEAR(measured.radius, other.radius, 0.05);
@@ -232,14 +123,14 @@ TEST_F(MeasureEndToEnd, CircleOnACoinAgreesWithItsSlopes) {
 
 TEST_F(MeasureEndToEnd, EllipseOnACoinPrintsWhatTheToolSays) {
   Start(Photograph(L"coins.png"));
-  SetMode(IDC_MODE_ELLIPSE, rendal::kToolEllipse);
+  twin().SetMode(IDC_MODE_ELLIPSE, rendal::kToolEllipse);
   const cv::Point2f middle(0.5f * 384, 0.5f * 303);
   const cv::Point2f coin(347, 187);
-  Drag(middle, coin);
-  Drag(coin + cv::Point2f(0.25f * 384, 0), coin + cv::Point2f(33, 0));
-  Drag(coin + cv::Point2f(0, -0.25f * 303), coin + cv::Point2f(0, -30));
-  Drag(coin - cv::Point2f(33, 0), coin - cv::Point2f(33, -12));
-  EXPECT_NEAR(bench_.m_roiShapes[rendal::kToolEllipse].values[2], 20, 4);
+  twin().Drag(middle, coin);
+  twin().Drag(coin + cv::Point2f(0.25f * 384, 0), coin + cv::Point2f(33, 0));
+  twin().Drag(coin + cv::Point2f(0, -0.25f * 303), coin + cv::Point2f(0, -30));
+  twin().Drag(coin - cv::Point2f(33, 0), coin - cv::Point2f(33, -12));
+  EXPECT_NEAR(bench().m_roiShapes[rendal::kToolEllipse].values[2], 20, 4);
   const std::string line = MeasureWith({20, 6, 20, 1, 2, 0, 1, "strongest"});
   double x = 0, y = 0, size1 = 0, size2 = 0;
   ASSERT_EQ(std::sscanf(line.c_str(),
@@ -254,51 +145,47 @@ TEST_F(MeasureEndToEnd, EllipseOnACoinPrintsWhatTheToolSays) {
 
 TEST_F(MeasureEndToEnd, BandAcrossCoinsPrintsEveryEdge) {
   Start(Photograph(L"coins.png"));
-  SetMode(IDC_MODE_BAND, rendal::kToolBand);
-  Drag({0.25f * 384, 0.5f * 303}, {20, 196});
-  Drag({0.75f * 384, 0.5f * 303}, {180, 196});
+  twin().SetMode(IDC_MODE_BAND, rendal::kToolBand);
+  twin().Drag({0.25f * 384, 0.5f * 303}, {20, 196});
+  twin().Drag({0.75f * 384, 0.5f * 303}, {180, 196});
   const std::string line = MeasureWith({40, 5, 30, 1, 2, 0, 1, "first+"});
-  EXPECT_GE(bench_.m_results.at(0).points.size(), 6u);  // three coins
+  EXPECT_GE(bench().m_results.at(0).points.size(), 6u);  // three coins
   EXPECT_EQ(line.rfind("i = ", 0), 0u) << line;
 }
 
 TEST_F(MeasureEndToEnd, LineOnATripodsLegPrintsWhatTheToolSays) {
   Start(Photograph(L"camera.png"));
-  SetMode(IDC_MODE_LINE, rendal::kToolLine);
-  Drag({0.25f * 512, 0.5f * 512}, {282, 360});
-  Drag({0.75f * 512, 0.5f * 512}, {246, 470});
+  twin().SetMode(IDC_MODE_LINE, rendal::kToolLine);
+  twin().Drag({0.25f * 512, 0.5f * 512}, {282, 360});
+  twin().Drag({0.75f * 512, 0.5f * 512}, {246, 470});
   const std::string line = MeasureWith({30, 5, 20, 1, 2, 0, 1, "strongest"});
   EXPECT_EQ(line.rfind("line center = (", 0), 0u) << line;
 }
 
 // Upright and narrow, as the line finder wants it: the rocket of a photograph.
 TEST_F(MeasureEndToEnd, LineFinderPrintsTheSameInEveryDisplay) {
-  const cv::Mat photograph =
-      cv::imread(Photograph(L"rocket.jpg").string(), cv::IMREAD_GRAYSCALE);
-  ASSERT_FALSE(photograph.empty());
   const fs::path path =
       fs::temp_directory_path() /
       (L"rocket " + std::to_wstring(::GetCurrentProcessId()) + L".png");
-  ASSERT_TRUE(
-      cv::imwrite(path.string(), photograph(cv::Rect(290, 120, 64, 290))));
+  WritePng(path, UprightRocket());
   Start(path);
   for (const int display : {0, 1, 2}) FindLineWith(display);
-  EXPECT_GT(bench_.m_results.at(0).points.size(), 10u);
+  EXPECT_GT(bench().m_results.at(0).points.size(), 10u);
   fs::remove(path);
 }
 
 TEST_F(MeasureEndToEnd, ShownResultsPanUntilTheDisplayIsCleared) {
   Start(Photograph(L"coins.png"));
-  SetMode(IDC_MODE_CIRCLE, rendal::kToolCircle);
+  twin().SetMode(IDC_MODE_CIRCLE, rendal::kToolCircle);
   const cv::Point2f middle(0.5f * 384, 0.5f * 303);
   const cv::Point2f aside = middle + cv::Point2f(30, 20);
   MeasureWith({});
-  Drag(middle, aside);  // pans
-  EXPECT_EQ(bench_.m_roiShapes[rendal::kToolCircle].values[0], middle.x);
+  twin().Drag(middle, aside);  // pans
+  EXPECT_EQ(bench().m_roiShapes[rendal::kToolCircle].values[0], middle.x);
   const std::string before = MeasureWith({});
-  ClearDisplay();
-  Drag(middle, aside);  // moves the circle
-  EXPECT_NEAR(bench_.m_roiShapes[rendal::kToolCircle].values[0], aside.x, 1);
+  twin().ClearDisplay();
+  twin().Drag(middle, aside);  // moves the circle
+  EXPECT_NEAR(bench().m_roiShapes[rendal::kToolCircle].values[0], aside.x, 1);
   EXPECT_NE(MeasureWith({}), before);
 }
 

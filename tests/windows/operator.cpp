@@ -300,13 +300,24 @@ SIZE Operator::ViewSize() const {
 }
 
 void Operator::Drag(POINT from, POINT to) const {
-  const HWND image = ::GetWindow(Control(IDC_VIEW), GW_CHILD);
+  const HWND image = ViewWindow();
   const LPARAM start = MAKELPARAM(from.x, from.y);
   const LPARAM end = MAKELPARAM(to.x, to.y);
   Send(image, WM_MOUSEMOVE, 0, start);
   Send(image, WM_LBUTTONDOWN, MK_LBUTTON, start);
   Send(image, WM_MOUSEMOVE, MK_LBUTTON, end);
   Send(image, WM_LBUTTONUP, 0, end);
+}
+
+HWND Operator::ViewWindow() const {
+  return ::GetWindow(Control(IDC_VIEW), GW_CHILD);
+}
+
+// The program asks for the pointer's place itself, whatever the message says.
+void Operator::Wheel(POINT at, int delta) const {
+  ::ClientToScreen(ViewWindow(), &at);
+  ::SetCursorPos(at.x, at.y);
+  Send(dialog_, WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(at.x, at.y));
 }
 
 void Operator::SetSpin(int id, int position) const {
@@ -334,16 +345,19 @@ std::wstring Operator::StatusAfter(int button_id) const {
   return Status();
 }
 
+HWND Operator::FindModal() const {
+  const std::vector<HWND> found = FindTopWindows([this](HWND window) {
+    return ::IsWindowVisible(window) && ClassOf(window) == kDialogClass &&
+           ::GetWindow(window, GW_OWNER) == dialog_;
+  });
+  return found.empty() ? nullptr : found.front();
+}
+
 HWND Operator::WaitForFileDialog() const {
   HWND dialog = nullptr;
   WaitUntil("the file-open dialog", [&] {
-    const std::vector<HWND> found = FindTopWindows([this](HWND window) {
-      return ::IsWindowVisible(window) && ClassOf(window) == kDialogClass &&
-             ::GetWindow(window, GW_OWNER) == dialog_;
-    });
-    if (found.empty()) return false;
-    dialog = found.front();
-    return true;
+    dialog = FindModal();
+    return dialog != nullptr;
   });
   return dialog;
 }

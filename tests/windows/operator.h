@@ -81,6 +81,10 @@ class Operator {
   // The image view, and a drag in it with the left button; view pixels.
   SIZE ViewSize() const;
   void Drag(POINT from, POINT to) const;
+  // One notch of the wheel, with the screen's pointer over that view pixel.
+  void Wheel(POINT at, int delta) const;
+  // The window that shows the image.
+  HWND ViewWindow() const;
 
   // Clear display: empties the status label, so that the next message is seen
   // to be new.
@@ -93,6 +97,8 @@ class Operator {
   std::wstring Load(const std::wstring& path) const;
   // The file-open dialog, which must be showing.
   HWND WaitForFileDialog() const;
+  // The dialog of any kind that the main window waits for; null if none shows.
+  HWND FindModal() const;
 
   // The region list, cells by row and column; and its column titles.
   std::vector<std::vector<std::wstring>> Rows() const;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "res/resource.h"
+#include "tests/windows/days_round.h"
 #include "tests/windows/operator.h"
 
 namespace {
@@ -35,6 +36,8 @@ constexpr char kUsage[] =
     "  console TEXT        prints the console's text once it has TEXT\n"
     "  language            changes the language by the system menu\n"
     "  close               ends the program\n"
+    "  round FOLDER        starts the program and works it for a whole day;\n"
+    "                      pictures and texts are left in the folder\n"
     "  desktop             keeps Wine's desktop until it is ended\n";
 
 void Print(const std::wstring& text) { std::puts(Utf8(text).c_str()); }
@@ -147,6 +150,8 @@ bool Run(const std::vector<std::wstring>& words) {
     Operator().SwitchLanguage();
   } else if (step == L"close" && words.size() == 1) {
     Operator().Close();
+  } else if (step == L"round" && words.size() == 2) {
+    rendal_test::WorkDaysRound(words[1]);
   } else if (step == L"desktop" && words.size() == 1) {
     KeepDesktop();
   } else {
