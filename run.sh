@@ -4,6 +4,7 @@
 # Installs what is missing, builds the workbench and opens it on an image.
 #
 #   ./run.sh [IMAGE] [--min G] [--max G] [--out DIR] [--headless]
+#   ./run.sh --round | --monkey SEED   [--out DIR]
 #
 #   IMAGE        bmp, jpg, tif or png; a photograph of coins if none is given
 #   --min G      darkest grey value of the band, 0 to 255
@@ -12,6 +13,10 @@
 #   --headless   nobody looks: in a virtual display the window is worked as an
 #                operator does (open the image, "threshold", "connection"), with
 #                a screenshot after every step. Also done without a display.
+#   --round      the same for a whole day's work: every button, every caliper,
+#                the line finder, the view; what must be seen is checked
+#   --monkey SEED      20000 random clicks, drags, spins, texts and loads; a seed
+#                does the same again. Says what the program held all the while.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/setup/common.sh"
 . "$setup_root/setup/build.sh"
@@ -24,6 +29,7 @@ min=
 max=
 out=$setup_root/out
 headless=
+drive=()
 
 # grey OPTION VALUE: the value as a plain number.
 grey() {
@@ -47,6 +53,12 @@ while [ $# -gt 0 ]; do
       shift
       ;;
     --headless) headless=yes ;;
+    --round) drive=(round) ;;
+    --monkey)
+      [[ ${2:-} =~ ^[0-9]{1,9}$ ]] || usage_error "--monkey needs a seed"
+      drive=(monkey "$2" 20000)
+      shift
+      ;;
     -h | --help)
       usage
       exit 0
@@ -99,7 +111,7 @@ export RENDAL_WINEPREFIX=$PWD/build/wine-run
 build_preset windows rendal rendal_operator
 
 program=$PWD/build/windows/bin/Rendal.exe
-operate() { timeout 120 setup/run_under_wine.sh "$operator" "$@" </dev/null; }
+operate() { timeout "${patience:-120}" setup/run_under_wine.sh "$operator" "$@" </dev/null; }
 operator=$PWD/build/windows/bin/rendal_operator.exe
 windows_image=Z:${image//\//\\}
 workbench=
@@ -119,6 +131,23 @@ finish() {
 trap finish EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
+
+# The program is started by the operator itself, and worked without a break.
+if [ ${#drive[@]} -gt 0 ]; then
+  start_display "$PWD/build/display-run"
+  rendal_wine_start || fail "Wine did not start"
+  case ${drive[0]} in
+    round)
+      out=$out/round
+      mkdir -p -- "$out"
+      rm -f -- "$out"/*.png "$out/console.txt"
+      drive+=("Z:${out//\//\\}")
+      ;;
+  esac
+  patience=3600 operate "${drive[@]}" || fail "failed: ${drive[0]}"
+  [ "${drive[0]}" != round ] || printf 'pictures and texts: %s\n' "$out"
+  exit 0
+fi
 
 if [ -z "$headless" ]; then
   rendal_wine_start || fail "Wine did not start"

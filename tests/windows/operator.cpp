@@ -15,17 +15,6 @@ constexpr int kPollMs = 10;
 constexpr UINT kMessageTimeoutMs = 10'000;
 constexpr wchar_t kDialogClass[] = L"#32770";
 
-// A message to another process's window. A window that does not answer is an
-// error, not an endless wait.
-LRESULT Send(HWND window, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
-  DWORD_PTR result = 0;
-  if (!::SendMessageTimeoutW(window, message, wparam, lparam, SMTO_NORMAL,
-                             kMessageTimeoutMs, &result)) {
-    throw std::runtime_error("the program's window does not answer");
-  }
-  return static_cast<LRESULT>(result);
-}
-
 std::wstring WindowText(HWND window) {
   const auto length = static_cast<size_t>(Send(window, WM_GETTEXTLENGTH));
   std::wstring text(length + 1, L'\0');
@@ -151,6 +140,15 @@ std::wstring QuotedCommandLine(const std::wstring& program,
 }
 
 }  // namespace
+
+LRESULT Send(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  DWORD_PTR result = 0;
+  if (!::SendMessageTimeoutW(window, message, wparam, lparam, SMTO_NORMAL,
+                             kMessageTimeoutMs, &result)) {
+    throw std::runtime_error("the program's window does not answer");
+  }
+  return static_cast<LRESULT>(result);
+}
 
 std::string Utf8(const std::wstring& text) {
   const int wide = static_cast<int>(text.size());

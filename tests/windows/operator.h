@@ -23,6 +23,10 @@ constexpr int kPatienceMs = 20'000;
 std::string Utf8(const std::wstring& text);
 std::wstring Wide(const std::string& utf8);
 
+// A message to another process's window. Throws if the window does not answer
+// within 10 s.
+LRESULT Send(HWND window, UINT message, WPARAM wparam = 0, LPARAM lparam = 0);
+
 // Returns when `condition` holds; throws "<what>: not within ... s" otherwise.
 void WaitUntil(const std::string& what, const std::function<bool()>& condition,
                int patience_ms = kPatienceMs);

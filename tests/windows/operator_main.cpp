@@ -13,6 +13,7 @@
 
 #include "res/resource.h"
 #include "tests/windows/days_round.h"
+#include "tests/windows/monkey.h"
 #include "tests/windows/operator.h"
 
 namespace {
@@ -38,6 +39,7 @@ constexpr char kUsage[] =
     "  close               ends the program\n"
     "  round FOLDER        starts the program and works it for a whole day;\n"
     "                      pictures and texts are left in the folder\n"
+    "  monkey SEED EVENTS  starts the program and does random things\n"
     "  desktop             keeps Wine's desktop until it is ended\n";
 
 void Print(const std::wstring& text) { std::puts(Utf8(text).c_str()); }
@@ -119,6 +121,12 @@ void PrintRows() {
   for (;;) Sleep(INFINITE);
 }
 
+void PlayMonkey(const std::wstring& seed, const std::wstring& events) {
+  const rendal_test::MonkeyReport report = rendal_test::LetMonkeyPlay(
+      static_cast<uint32_t>(std::stoul(seed)), std::stoi(events));
+  std::fputs(Told(report).c_str(), stdout);
+}
+
 bool Run(const std::vector<std::wstring>& words) {
   const std::wstring step = words.empty() ? L"" : words[0];
   if (step == L"wait" && words.size() == 1) {
@@ -152,6 +160,8 @@ bool Run(const std::vector<std::wstring>& words) {
     Operator().Close();
   } else if (step == L"round" && words.size() == 2) {
     rendal_test::WorkDaysRound(words[1]);
+  } else if (step == L"monkey" && words.size() == 3) {
+    PlayMonkey(words[1], words[2]);
   } else if (step == L"desktop" && words.size() == 1) {
     KeepDesktop();
   } else {
