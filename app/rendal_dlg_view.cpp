@@ -3,6 +3,8 @@
 // The image view: its window, and handlers that call app/view/.
 #include <afxdlgs.h>
 
+#include <opencv2/highgui.hpp>
+
 #include "app/image_window.h"
 #include "app/rendal_dlg.h"
 #include "app/text.h"
@@ -29,9 +31,11 @@ void CRendalDlg::CreateImageWindow() {
                           this);
 }
 
-void CRendalDlg::OnViewMouse(int event, int x, int y, int /*flags*/,
+void CRendalDlg::OnViewMouse(int event, int x, int y, int flags,
                              void* dialog) {
-  rendal::OnMouse({event, x, y}, *static_cast<CRendalDlg*>(dialog), g_view);
+  const bool leftHeld = (flags & cv::EVENT_FLAG_LBUTTON) != 0;
+  rendal::OnMouse({event, x, y, leftHeld}, *static_cast<CRendalDlg*>(dialog),
+                  g_view);
 }
 
 void CRendalDlg::OnLoadImage() {

@@ -91,6 +91,8 @@ void DragHandle(const MouseEvent& event, Workbench& workbench,
 void Move(const MouseEvent& event, Workbench& workbench, ViewState& view) {
   view.hoverX = event.x;
   view.hoverY = event.y;
+  // A button that is let go outside the view says so only here.
+  if (!event.left_held) view.dragging = false;
   if (!view.dragging) return;
   if (view.grabbed == kNothingGrabbed) {
     Pan(event, view);

@@ -29,6 +29,7 @@ struct MouseEvent {
   int code;
   int x;  // [view px]
   int y;
+  bool left_held = true;  // asked of moves only
 };
 
 // Changes state only; events outside the view, without an image or of other

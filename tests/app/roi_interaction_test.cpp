@@ -91,6 +91,16 @@ TEST_F(RoiInteraction, PressInModeNonePans) {
   EXPECT_EQ(m_view.offsetX, 113);
 }
 
+TEST_F(RoiInteraction, ButtonLetGoOutsideTheViewEndsTheDrag) {
+  Send(kLeftDown, 500, 700);
+  Send(kLeftUp, 1200, 700);
+  OnMouse({kMouseMove, 400, 300, false}, m_bench, m_view);
+  Send(kMouseMove, 410, 310);
+  EXPECT_FALSE(m_view.dragging);
+  EXPECT_EQ(m_view.offsetX, 100);
+  EXPECT_EQ(m_view.hoverX, 410);
+}
+
 TEST_F(RoiInteraction, PressOutsideEveryHandlePans) {
   m_bench.m_toolMode = kToolLine;
   // Start point (100, 150) lies at (150, 125); the radius is 10 view pixels.

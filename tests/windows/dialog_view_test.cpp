@@ -168,6 +168,17 @@ TEST_F(DialogView, DragPansTheImage) {
   });
 }
 
+TEST_F(DialogView, ButtonLetGoOutsideTheViewEndsTheDrag) {
+  RunWithImage(cv::Mat(300, 400, CV_8UC1, 50), [&] {
+    const float x = g_view.offsetX;
+    Mouse(WM_LBUTTONDOWN, 100, 100, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, -30, 100);
+    Mouse(WM_MOUSEMOVE, 300, 300);
+    EXPECT_EQ(g_view.offsetX, x);
+    EXPECT_FALSE(g_view.dragging);
+  });
+}
+
 TEST_F(DialogView, DoubleClicksZoomToOneAndFit) {
   RunWithImage(cv::Mat(3000, 4000, CV_8UC1, 50), [&] {
     const float fit = g_view.zoom;
