@@ -133,6 +133,7 @@ class Round {
       Line();
       LineFinder();
       View();
+      Language();
       SecondStart();
       End();
     } catch (...) {
@@ -152,6 +153,7 @@ class Round {
   void Line();
   void LineFinder();
   void View();
+  void Language();
   void SecondStart();
   void End();
 
@@ -312,7 +314,10 @@ void Round::Connect(const cv::Mat& mask) {
                 rows[i].at(1) == std::to_wstring(components.areas[i]),
             "number and area in row " + std::to_string(i + 1));
   }
+  twin_.Wheel({192, 150}, 4);
+  RequirePicture(twin_, ColorsOf(components), 0, "the components, enlarged");
   Picture("connection");
+  twin_.ZoomFit();
 }
 
 std::string Round::Measure(const CaliperParameters& parameters,
@@ -462,6 +467,28 @@ void Round::View() {
   Picture("smallest");
   twin_.ZoomFit();
   RequireImage(twin_, "the photograph, fitted again");
+}
+
+void Round::Language() {
+  const std::wstring caption = window_.TextOf(IDC_MEASURE);
+  const std::wstring status = window_.Status();
+  window_.SwitchLanguage();
+  Require(window_.TextOf(IDC_MEASURE) == L"Measure", "an English button");
+  Require(window_.Status() == L"open image,width = 1411, height = 1411",
+          "the last message in English");
+  Picture("english");
+  ::PostMessageW(window_.dialog(), WM_SYSCOMMAND, IDM_ABOUTBOX, 0);
+  HWND about = nullptr;
+  WaitUntil("the about box", [&] {
+    about = window_.FindModal();
+    return about != nullptr;
+  });
+  PictureOf(nullptr, "about");
+  ::PostMessageW(about, WM_COMMAND, IDOK, 0);
+  WaitUntil("the about box's end", [&] { return !::IsWindow(about); });
+  window_.SwitchLanguage();
+  Require(window_.TextOf(IDC_MEASURE) == caption, "the first language again");
+  Require(window_.Status() == status, "the message in the first language");
 }
 
 void Round::SecondStart() {

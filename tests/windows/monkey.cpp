@@ -155,6 +155,7 @@ class Monkey {
   void LoadPicture();
   void CancelLoading();
   void OpenAbout();
+  void SwitchLanguage();
 
   void Did(const std::string& what);
   void CloseModals();
@@ -182,10 +183,11 @@ const Monkey::Habit Monkey::kHabits[] = {
     {20, "keys", &Monkey::TypeKeys},
     {20, "item", &Monkey::ChooseItem},
     {20, "click anywhere", &Monkey::ClickAnywhere},
-    {2, "console cleared", &Monkey::ClearConsole},
-    {2, "load", &Monkey::LoadPicture},
+    {1, "console cleared", &Monkey::ClearConsole},
+    {1, "load", &Monkey::LoadPicture},
     {1, "load cancelled", &Monkey::CancelLoading},
     {1, "about", &Monkey::OpenAbout},
+    {1, "language", &Monkey::SwitchLanguage},
 };
 
 void Monkey::Did(const std::string& what) {
@@ -372,6 +374,11 @@ void Monkey::OpenAbout() {
   Did("about");
   ::PostMessageW(window_.dialog(), WM_SYSCOMMAND, IDM_ABOUTBOX, 0);
   WaitUntil("the about box", [&] { return window_.FindModal() != nullptr; });
+}
+
+void Monkey::SwitchLanguage() {
+  Did("language");
+  window_.SwitchLanguage();
 }
 
 void Monkey::CloseModals() {
