@@ -223,7 +223,7 @@ void bottom_hat(const region& source, const region& element, region* output);
 //   Unchanged  If the source has no runs or has children, for any other type,
 //              and for a null pointer.
 //   Throws     As dilation2().
-//   Cost       O(runs) in all three; 32 bytes of scratch a run for
+//   Cost       O(runs) in all three; 12 bytes of scratch a run for
 //              "inner_filled". Nothing depends on the number of pixels.
 void boundary(const region& source, region* output, const char* type);
 

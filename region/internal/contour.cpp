@@ -10,49 +10,68 @@ namespace {
 // Background columns reach this far beyond the region on either side.
 constexpr int64_t kFar = int64_t{1} << 40;
 
-struct gap {
-  int64_t begin;
-  int64_t end;
+struct interval {
+  int32_t begin;
+  int32_t end;
 };
 
-// The background, as gaps between runs. Every row with runs is there with one
-// gap more than runs; so are its two neighbour rows, as one gap when empty.
-// Of wider stretches of empty rows nothing more is needed: all of it belongs
-// to the background at infinity, as do the outermost gaps of every row.
-struct background {
-  std::vector<int64_t> rows;
-  std::vector<size_t> firsts;  // of each row, and one past the last
-  std::vector<gap> gaps;
+// The background, as gaps between runs; these follow from the runs, so that
+// only the rows are kept. Every row with runs is there with one gap more than
+// runs; so are its two neighbour rows, as one gap when empty. Of wider
+// stretches of empty rows nothing more is needed: all of it belongs to the
+// background at infinity, as do the outermost gaps of every row.
+class background {
+ public:
+  background(const run_view& runs, const row_table& rows);
 
-  void add_row(int64_t row) {
-    rows.push_back(row);
-    firsts.push_back(gaps.size());
+  size_t rows() const { return entries_.size() - 1; }
+  int64_t row(size_t r) const { return entries_[r].row; }
+  // Gaps are numbered from the first row's on.
+  size_t gaps() const { return entries_.back().gap; }
+  size_t first(size_t r) const { return entries_[r].gap; }
+  size_t last(size_t r) const { return entries_[r + 1].gap; }  // one past
+  // Columns of a gap of row r.
+  int64_t begin(size_t r, size_t gap) const {
+    if (gap == first(r)) return -kFar;
+    return int64_t{runs_.ends[run_after(r, gap) - 1]} + 1;
   }
-  void add_empty_row(int64_t row) {
-    add_row(row);
-    gaps.push_back({-kFar, kFar});
+  int64_t end(size_t r, size_t gap) const {
+    if (gap + 1 == last(r)) return kFar;
+    return int64_t{runs_.begins[run_after(r, gap)]} - 1;
   }
+
+ private:
+  struct entry {
+    int64_t row;
+    size_t gap;  // the first one
+    size_t run;  // the first one
+  };
+
+  size_t run_after(size_t r, size_t gap) const {
+    return entries_[r].run + (gap - entries_[r].gap);
+  }
+
+  const run_view runs_;
+  std::vector<entry> entries_;
 };
 
-background background_of(const run_view& runs, const row_table& rows) {
-  background result;
-  result.gaps.reserve(runs.count + 3 * rows.count());
+background::background(const run_view& runs, const row_table& rows)
+    : runs_(runs) {
+  size_t gap = 0;
+  const auto add = [&](int64_t row, size_t first, size_t last) {
+    entries_.push_back({row, gap, first});
+    gap += last - first + 1;
+  };
   for (size_t r = 0; r < rows.count(); ++r) {
-    const int64_t row = runs.row(rows.first(r));
-    if (result.rows.empty() || result.rows.back() < row - 1)
-      result.add_empty_row(row - 1);
-    result.add_row(row);
-    int64_t begin = -kFar;
-    for (size_t i = rows.first(r); i < rows.last(r); ++i) {
-      result.gaps.push_back({begin, runs.begins[i] - int64_t{1}});
-      begin = runs.ends[i] + int64_t{1};
-    }
-    result.gaps.push_back({begin, kFar});
-    if (r + 1 == rows.count() || runs.row(rows.first(r + 1)) != row + 1)
-      result.add_empty_row(row + 1);
+    const size_t first = rows.first(r);
+    const int64_t row = runs.row(first);
+    if (entries_.empty() || entries_.back().row < row - 1)
+      add(row - 1, first, first);
+    add(row, first, rows.last(r));
+    if (r + 1 == rows.count() || runs.row(rows.last(r)) != row + 1)
+      add(row + 1, first, first);
   }
-  result.firsts.push_back(result.gaps.size());
-  return result;
+  entries_.push_back({INT64_MAX, gap, runs.count});
 }
 
 // Sets of runs; each is known by its first run.
@@ -102,16 +121,17 @@ partition components(const run_view& runs, const row_table& rows) {
 }
 
 partition components(const background& back) {
-  partition sets(back.gaps.size());
-  for (size_t r = 0; r < back.rows.size(); ++r) {
+  partition sets(back.gaps());
+  for (size_t r = 0; r < back.rows(); ++r) {
     // Outermost gaps are one set, the background at infinity.
-    sets.join(0, back.firsts[r]);
-    sets.join(0, back.firsts[r + 1] - 1);
-    if (r == 0 || back.rows[r] != back.rows[r - 1] + 1) continue;
+    sets.join(0, back.first(r));
+    sets.join(0, back.last(r) - 1);
+    if (r == 0 || back.row(r) != back.row(r - 1) + 1) continue;
+    const auto row_of = [&](size_t i) { return i < back.first(r) ? r - 1 : r; };
     join_rows(
-        back.firsts[r - 1], back.firsts[r], back.firsts[r], back.firsts[r + 1],
-        0, [&](size_t i) { return back.gaps[i].begin; },
-        [&](size_t i) { return back.gaps[i].end; }, &sets);
+        back.first(r - 1), back.last(r - 1), back.first(r), back.last(r), 0,
+        [&](size_t i) { return back.begin(row_of(i), i); },
+        [&](size_t i) { return back.end(row_of(i), i); }, &sets);
   }
   return sets;
 }
@@ -121,7 +141,7 @@ class contour_finder {
   explicit contour_finder(const run_view& source)
       : source_(source),
         rows_(source),
-        back_(background_of(source, rows_)),
+        back_(source, rows_),
         components_(components(source, rows_)),
         surroundings_(components(back_)),
         surrounding_(source.count) {}
@@ -130,19 +150,17 @@ class contour_finder {
     run_buffer out;
     size_t b = 0;  // the row's place in the background
     for (size_t r = 0; r < rows_.count(); ++r) {
-      while (back_.rows[b] != source_.row(rows_.first(r))) ++b;
-      size_t above = back_.firsts[b - 1];
-      size_t below = back_.firsts[b + 1];
+      while (back_.row(b) != source_.row(rows_.first(r))) ++b;
+      size_t above = back_.first(b - 1);
+      size_t below = back_.first(b + 1);
       for (size_t i = rows_.first(r); i < rows_.last(r); ++i) {
-        const size_t left = back_.firsts[b] + (i - rows_.first(r));
+        const size_t left = back_.first(b) + (i - rows_.first(r));
         const size_t around = surrounding_of(i, left);
         found_.clear();
-        add_if(surroundings_.first_of(left) == around, source_.begins[i],
-               source_.begins[i]);
-        above = add_edges(i, above, back_.firsts[b], around);
-        below = add_edges(i, below, back_.firsts[b + 2], around);
-        add_if(surroundings_.first_of(left + 1) == around, source_.ends[i],
-               source_.ends[i]);
+        add_if(surroundings_.first_of(left) == around, source_.begins[i]);
+        above = add_edges(i, b - 1, above, around);
+        below = add_edges(i, b + 1, below, around);
+        add_if(surroundings_.first_of(left + 1) == around, source_.ends[i]);
         append(source_.row(rows_.first(r)), &out);
       }
     }
@@ -159,31 +177,34 @@ class contour_finder {
     return surrounding_[first];
   }
 
-  void add_if(bool found, int32_t begin, int32_t end) {
-    if (found) found_.push_back({begin, end});
+  void add_if(bool found, int32_t column) {
+    if (found) found_.push_back({column, column});
   }
 
-  // Adds what run i shares with gaps of a neighbouring row that surround it.
-  // Returns the first gap that may matter to the next run.
-  size_t add_edges(size_t i, size_t g, size_t g_last, size_t around) {
+  // Adds what run i shares with gaps of a neighbouring row, from gap g on, that
+  // surround it. Returns the first gap that may matter to the next run.
+  size_t add_edges(size_t i, size_t row, size_t g, size_t around) {
     const int64_t begin = source_.begins[i];
     const int64_t end = source_.ends[i];
-    while (g < g_last && back_.gaps[g].end < begin) ++g;
-    for (size_t k = g; k < g_last && back_.gaps[k].begin <= end; ++k) {
+    const size_t last = back_.last(row);
+    while (g < last && back_.end(row, g) < begin) ++g;
+    for (size_t k = g; k < last && back_.begin(row, k) <= end; ++k) {
       if (surroundings_.first_of(k) == around)
-        found_.push_back({std::max(begin, back_.gaps[k].begin),
-                          std::min(end, back_.gaps[k].end)});
+        add(std::max(begin, back_.begin(row, k)),
+            std::min(end, back_.end(row, k)));
     }
     return g;
   }
 
+  void add(int64_t begin, int64_t end) {
+    found_.push_back({static_cast<int32_t>(begin), static_cast<int32_t>(end)});
+  }
+
   void append(int32_t row, run_buffer* out) {
-    std::sort(found_.begin(), found_.end(),
-              [](const gap& a, const gap& b) { return a.begin < b.begin; });
-    for (const gap& f : found_) {
-      push_joined(row, static_cast<int32_t>(f.begin),
-                  static_cast<int32_t>(f.end), out);
-    }
+    std::sort(
+        found_.begin(), found_.end(),
+        [](const interval& a, const interval& b) { return a.begin < b.begin; });
+    for (const interval& f : found_) push_joined(row, f.begin, f.end, out);
   }
 
   const run_view source_;
@@ -192,7 +213,7 @@ class contour_finder {
   partition components_;
   partition surroundings_;
   std::vector<uint32_t> surrounding_;  // by a component's first run
-  std::vector<gap> found_;             // of the run at hand
+  std::vector<interval> found_;        // of the run at hand
 };
 
 }  // namespace
