@@ -63,6 +63,25 @@ VEXO_INLINE bool are_apart_body(const key_list& keys) {
   return wrong == 0;
 }
 
+VEXO_INLINE int32_t split_body(const chord* chords, size_t count, int32_t* rows,
+                               int32_t* begins, int32_t* ends) {
+  int32_t labels = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const chord& c = chords[i];
+    begins[i] = c.col_begin;
+    ends[i] = c.col_end;
+    rows[i] = c.row;
+    labels |= c.label;
+  }
+  return labels;
+}
+
+VEXO_INLINE void join_body(const int32_t* rows, const int32_t* begins,
+                           const int32_t* ends, size_t count, chord* chords) {
+  for (size_t i = 0; i < count; ++i)
+    chords[i] = {begins[i], ends[i], rows[i], 0};
+}
+
 }  // namespace vexo::internal
 
 #endif  // VEXO_REGION_INTERNAL_RUN_KEY_BODIES_H_

@@ -25,6 +25,16 @@ void move_plain(const key_list& keys, uint32_t begins, uint32_t ends) {
 
 bool are_apart_plain(const key_list& keys) { return are_apart_body(keys); }
 
+int32_t split_plain(const chord* chords, size_t count, int32_t* rows,
+                    int32_t* begins, int32_t* ends) {
+  return split_body(chords, count, rows, begins, ends);
+}
+
+void join_plain(const int32_t* rows, const int32_t* begins, const int32_t* ends,
+                size_t count, chord* chords) {
+  join_body(rows, begins, ends, count, chords);
+}
+
 // Begins and ends in turn: two chains of dependent loads side by side.
 void merge_plain(const key_list& a, const key_list& b, const key_list& to) {
   size_t a_begin = 0, a_end = 0, b_begin = 0, b_end = 0;
@@ -87,8 +97,9 @@ size_t write_common_plain(const key_list& keys, size_t lists,
 }
 
 constexpr key_kernels kKeyKernelsPlain = {
-    widen_plain, make_plain,         move_plain,        are_apart_plain,
-    merge_plain, write_united_plain, write_common_plain};
+    widen_plain,        make_plain,  move_plain,
+    are_apart_plain,    merge_plain, write_united_plain,
+    write_common_plain, split_plain, join_plain};
 
 }  // namespace
 

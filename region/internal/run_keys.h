@@ -88,6 +88,12 @@ struct key_kernels {
   size_t (*write_common)(const key_list& keys, size_t lists,
                          const key_frame& frame, int32_t* rows, int32_t* begins,
                          int32_t* ends);
+  // Chords to runs, and back with fourth words of 0. split() returns the fourth
+  // words united bit by bit.
+  int32_t (*split)(const chord* chords, size_t count, int32_t* rows,
+                   int32_t* begins, int32_t* ends);
+  void (*join)(const int32_t* rows, const int32_t* begins, const int32_t* ends,
+               size_t count, chord* chords);
 };
 
 const key_kernels& current_key_kernels();

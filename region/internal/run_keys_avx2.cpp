@@ -37,6 +37,16 @@ VEXO_TARGET bool are_apart_avx2(const key_list& keys) {
   return are_apart_body(keys);
 }
 
+VEXO_TARGET int32_t split_avx2(const chord* chords, size_t count, int32_t* rows,
+                               int32_t* begins, int32_t* ends) {
+  return split_body(chords, count, rows, begins, ends);
+}
+
+VEXO_TARGET void join_avx2(const int32_t* rows, const int32_t* begins,
+                           const int32_t* ends, size_t count, chord* chords) {
+  join_body(rows, begins, ends, count, chords);
+}
+
 constexpr size_t kLanes = 8;
 
 VEXO_TARGET VEXO_INLINE __m256i load(const uint32_t* from) {
@@ -187,8 +197,9 @@ VEXO_TARGET size_t write_common_avx2(const key_list& keys, size_t lists,
 }  // namespace
 
 const key_kernels kKeyKernelsAvx2 = {
-    widen_avx2, make_avx2,         move_avx2,        are_apart_avx2,
-    merge_avx2, write_united_avx2, write_common_avx2};
+    widen_avx2,        make_avx2,  move_avx2,
+    are_apart_avx2,    merge_avx2, write_united_avx2,
+    write_common_avx2, split_avx2, join_avx2};
 
 }  // namespace vexo::internal
 

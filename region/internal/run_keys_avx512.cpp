@@ -41,6 +41,68 @@ VEXO_TARGET bool are_apart_avx512(const key_list& keys) {
 
 constexpr size_t kLanes = 16;
 
+VEXO_TARGET VEXO_INLINE __m512i load(const void* from) {
+  return _mm512_loadu_si512(from);
+}
+
+// Words 0 and 1 of eight chords, or words 2 and 3.
+VEXO_TARGET VEXO_INLINE __m512i two_words(__m512i low, __m512i high,
+                                          int first) {
+  const __m512i chords = _mm512_set_epi32(29, 25, 21, 17, 13, 9, 5, 1, 28, 24,
+                                          20, 16, 12, 8, 4, 0);
+  return _mm512_permutex2var_epi32(
+      low, _mm512_add_epi32(chords, _mm512_set1_epi32(first)), high);
+}
+
+VEXO_TARGET int32_t split_avx512(const chord* chords, size_t count,
+                                 int32_t* rows, int32_t* begins,
+                                 int32_t* ends) {
+  __m512i words = _mm512_setzero_si512();
+  size_t i = 0;
+  for (; i + kLanes <= count; i += kLanes) {
+    const __m512i a = load(chords + i), b = load(chords + i + 4);
+    const __m512i c = load(chords + i + 8), d = load(chords + i + 12);
+    const __m512i low = two_words(a, b, 0), high = two_words(c, d, 0);
+    _mm512_storeu_si512(begins + i, _mm512_shuffle_i64x2(low, high, 0x44));
+    _mm512_storeu_si512(ends + i, _mm512_shuffle_i64x2(low, high, 0xee));
+    _mm512_storeu_si512(
+        rows + i,
+        _mm512_shuffle_i64x2(two_words(a, b, 2), two_words(c, d, 2), 0x44));
+    words = _mm512_or_si512(_mm512_or_si512(words, _mm512_or_si512(a, b)),
+                            _mm512_or_si512(c, d));
+  }
+  const int32_t labels = _mm512_mask_reduce_or_epi32(0x8888, words);
+  return labels |
+         split_body(chords + i, count - i, rows + i, begins + i, ends + i);
+}
+
+VEXO_TARGET void join_avx512(const int32_t* rows, const int32_t* begins,
+                             const int32_t* ends, size_t count, chord* chords) {
+  const __m512i pairs =
+      _mm512_set_epi32(23, 7, 22, 6, 21, 5, 20, 4, 19, 3, 18, 2, 17, 1, 16, 0);
+  const __m512i quads = _mm512_set_epi64(11, 3, 10, 2, 9, 1, 8, 0);
+  const __m512i half = _mm512_set1_epi32(8), quarter = _mm512_set1_epi64(4);
+  size_t i = 0;
+  for (; i + kLanes <= count; i += kLanes) {
+    const __m512i begin = load(begins + i), end = load(ends + i);
+    const __m512i row = load(rows + i);
+    for (size_t k = 0; k < 2; ++k) {
+      const __m512i at = k == 0 ? pairs : _mm512_add_epi32(pairs, half);
+      const __m512i columns = _mm512_permutex2var_epi32(begin, at, end);
+      const __m512i row_and_0 =
+          _mm512_cvtepu32_epi64(k == 0 ? _mm512_castsi512_si256(row)
+                                       : _mm512_extracti64x4_epi64(row, 1));
+      chord* to = chords + i + 8 * k;
+      _mm512_storeu_si512(to,
+                          _mm512_permutex2var_epi64(columns, quads, row_and_0));
+      _mm512_storeu_si512(
+          to + 4, _mm512_permutex2var_epi64(
+                      columns, _mm512_add_epi64(quads, quarter), row_and_0));
+    }
+  }
+  join_body(rows + i, begins + i, ends + i, count - i, chords + i);
+}
+
 // One step of a bitonic merge: lanes of `upper` keep the greater of the pair.
 VEXO_TARGET VEXO_INLINE __m512i exchange(__m512i v, __m512i other,
                                          __mmask16 upper) {
@@ -167,8 +229,9 @@ VEXO_TARGET size_t write_common_avx512(const key_list& keys, size_t lists,
 }  // namespace
 
 const key_kernels kKeyKernelsAvx512 = {
-    widen_avx512, make_avx512,         move_avx512,        are_apart_avx512,
-    merge_avx512, write_united_avx512, write_common_avx512};
+    widen_avx512,        make_avx512,  move_avx512,
+    are_apart_avx512,    merge_avx512, write_united_avx512,
+    write_common_avx512, split_avx512, join_avx512};
 
 }  // namespace vexo::internal
 

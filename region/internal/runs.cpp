@@ -31,11 +31,22 @@ run_buffer to_runs(const chord* chords, int32_t count) {
   return runs;
 }
 
+namespace {
+
+// Where each part begins, and where the last one ends.
+template <class Part>
+std::vector<size_t> offsets_of(const std::vector<Part>& parts) {
+  std::vector<size_t> offsets{0};
+  for (const Part& part : parts)
+    offsets.push_back(offsets.back() + part.size());
+  return offsets;
+}
+
+}  // namespace
+
 run_buffer joined(std::vector<run_buffer> parts) {
   if (parts.size() == 1) return std::move(parts[0]);
-  std::vector<size_t> offsets{0};
-  for (const run_buffer& part : parts)
-    offsets.push_back(offsets.back() + part.size());
+  const std::vector<size_t> offsets = offsets_of(parts);
   run_buffer all(std::max<size_t>(offsets.back(), 2000));
   parallel_for(parts.size(), [&](size_t i) {
     const size_t bytes = parts[i].size() * sizeof(int32_t);
@@ -43,6 +54,18 @@ run_buffer joined(std::vector<run_buffer> parts) {
     std::memcpy(all.rows() + offsets[i], parts[i].rows(), bytes);
     std::memcpy(all.begins() + offsets[i], parts[i].begins(), bytes);
     std::memcpy(all.ends() + offsets[i], parts[i].ends(), bytes);
+  });
+  all.set_size(offsets.back());
+  return all;
+}
+
+chord_buffer joined(std::vector<chord_buffer> parts) {
+  if (parts.size() == 1) return std::move(parts[0]);
+  const std::vector<size_t> offsets = offsets_of(parts);
+  if (offsets.back() > kMaxChords) throw_realloc_failed();
+  chord_buffer all(offsets.back());
+  parallel_for(parts.size(), [&](size_t i) {
+    std::copy_n(parts[i].data(), parts[i].size(), all.data() + offsets[i]);
   });
   all.set_size(offsets.back());
   return all;

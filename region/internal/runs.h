@@ -41,6 +41,7 @@ run_buffer to_runs(const chord* chords, int32_t count);
 
 // The runs of all parts, one after the other.
 run_buffer joined(std::vector<run_buffer> parts);
+chord_buffer joined(std::vector<chord_buffer> parts);
 
 // Runs as the fast forms need them: ordered, apart, none inverted. Usually
 // those of the caller; else a copy, put in order and joined, so that careless

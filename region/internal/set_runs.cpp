@@ -6,32 +6,17 @@
 #include "region/internal/set_runs.h"
 
 #include <algorithm>
-#include <cstring>
-#include <vector>
 
 #include "region/internal/bit_rows.h"
-#include "region/internal/parallel.h"
-#include "region/internal/run_keys.h"
+#include "region/internal/set_keys.h"
+#include "region/internal/set_stretches.h"
 
 namespace vexo::internal {
 namespace {
 
-enum class set_operation { unite, subtract, intersect };
+using run_stretch = stretch<run_view>;
 
-// Runs first..last - 1 of a list.
-struct stretch {
-  const run_view& runs;
-  size_t first;
-  size_t last;
-
-  size_t count() const { return last - first; }
-  bool done() const { return first == last; }
-  int32_t row() const { return runs.rows[first]; }
-  int32_t begin() const { return runs.begins[first]; }
-  int32_t end() const { return runs.ends[first]; }
-};
-
-run_view view_of(const stretch& s) {
+run_view view_of(const run_stretch& s) {
   return {s.runs.rows + s.first, s.runs.begins + s.first, s.runs.ends + s.first,
           s.count()};
 }
@@ -84,17 +69,17 @@ class writer {
   int64_t end_ = INT64_MIN / 2;  // none in hand yet
 };
 
-void add_all(stretch a, writer* out) {
+void add_all(run_stretch a, writer* out) {
   for (; !a.done(); ++a.first) out->add(a.row(), a.begin(), a.end());
 }
 
 // Row and begin as one number; in the lowest row, too.
-int64_t place(const stretch& s) {
+int64_t place(const run_stretch& s) {
   return int64_t{s.row()} * (int64_t{1} << 32) +
          (s.begin() - int64_t{INT32_MIN});
 }
 
-void unite(stretch a, stretch b, writer* out) {
+void unite(run_stretch a, run_stretch b, writer* out) {
   while (!a.done() && !b.done()) {
     if (place(a) < place(b)) {
       out->add(a.row(), a.begin(), a.end());
@@ -108,7 +93,7 @@ void unite(stretch a, stretch b, writer* out) {
   add_all(b, out);
 }
 
-void subtract(stretch a, stretch b, writer* out) {
+void subtract(run_stretch a, run_stretch b, writer* out) {
   for (; !a.done(); ++a.first) {
     const int32_t row = a.row();
     int64_t begin = a.begin();
@@ -125,7 +110,7 @@ void subtract(stretch a, stretch b, writer* out) {
   }
 }
 
-void intersect(stretch a, stretch b, writer* out) {
+void intersect(run_stretch a, run_stretch b, writer* out) {
   while (!a.done() && !b.done()) {
     if (a.row() != b.row()) {
       ++(a.row() < b.row() ? a : b).first;
@@ -141,14 +126,14 @@ void intersect(stretch a, stretch b, writer* out) {
 class combination {
  public:
   explicit combination(set_operation operation)
-      : operation_(operation), rows_(kernels()), keys_(current_key_kernels()) {}
+      : operation_(operation), keys_(operation) {}
 
   // Two stretches over the same rows.
-  void combine(stretch a, stretch b, run_buffer* out) {
+  void combine(run_stretch a, run_stretch b, run_buffer* out) {
     while (!a.done() && !b.done()) {
       const int32_t row = std::min(likely_row(a), likely_row(b));
-      const stretch from_a = take_until(&a, row);
-      const stretch from_b = take_until(&b, row);
+      const run_stretch from_a = take_until(&a, row);
+      const run_stretch from_b = take_until(&b, row);
       if (from_b.done()) {
         if (operation_ != set_operation::intersect) append(from_a, out);
       } else if (from_a.done()) {
@@ -162,105 +147,35 @@ class combination {
   }
 
  private:
-  // Runs of either list that are combined at once, and the rest of their row.
-  static constexpr size_t kRuns = 512;
-
-  static int32_t likely_row(const stretch& s) {
-    return s.runs.rows[std::min(s.first + kRuns, s.last) - 1];
-  }
-
-  // Takes the rows up to `row`, which is not above likely_row(*s).
-  stretch take_until(stretch* s, int32_t row) const {
-    const size_t first = s->first;
-    const int32_t* rows = s->runs.rows;
-    const size_t likely = std::min(first + kRuns, s->last);
-    s->first =
-        rows[likely - 1] <= row
-            ? rows_.row_end(rows, likely - 1, s->last)
-            : static_cast<size_t>(
-                  std::upper_bound(rows + first, rows + likely, row) - rows);
-    return {s->runs, first, s->first};
-  }
-
-  bool is_canonical(const stretch& s) const {
-    return rows_.are_canonical(s.runs.rows + s.first, s.runs.begins + s.first,
-                               s.runs.ends + s.first, s.count());
-  }
-
-  void append(const stretch& s, run_buffer* out) const {
-    if (!is_canonical(s)) {
-      writer w(out, s.count());
+  static void append(const run_stretch& s, run_buffer* out) {
+    const run_view runs = view_of(s);
+    if (!kernels().are_canonical(runs.rows, runs.begins, runs.ends,
+                                 runs.count)) {
+      writer w(out, runs.count);
       add_all(s, &w);
       return;
     }
     const size_t n = out->size();
-    out->ensure(n + s.count());
-    std::copy_n(s.runs.rows + s.first, s.count(), out->rows() + n);
-    std::copy_n(s.runs.begins + s.first, s.count(), out->begins() + n);
-    std::copy_n(s.runs.ends + s.first, s.count(), out->ends() + n);
-    out->set_size(n + s.count());
+    out->ensure(n + runs.count);
+    std::copy_n(runs.rows, runs.count, out->rows() + n);
+    std::copy_n(runs.begins, runs.count, out->begins() + n);
+    std::copy_n(runs.ends, runs.count, out->ends() + n);
+    out->set_size(n + runs.count);
   }
 
-  // False, and nothing written, when a stretch is not canonical or too large
-  // for keys.
-  bool combine_keys(const stretch& a, const stretch& b, run_buffer* out) {
-    room_.ensure(3, a.count() + b.count() + 1);
-    const key_list of_a = room_.list(0, a.count());
-    const key_list of_b = room_.list(1, b.count());
-    if (!make_keys(a, b, of_a, of_b)) {
-      columns_ = {};
-      for (const stretch& s : {a, b}) keys_.widen(view_of(s), &columns_);
-      if (!columns_.frame(&frame_) || !make_keys(a, b, of_a, of_b))
-        return false;
-    }
-    if (!keys_.are_apart(of_a) || !keys_.are_apart(of_b)) return false;
+  bool combine_keys(const run_stretch& a, const run_stretch& b,
+                    run_buffer* out) {
     const size_t n = out->size();
     out->ensure(n + a.count() + b.count() + kRunSlack);
-    int32_t* rows = out->rows() + n;
-    int32_t* begins = out->begins() + n;
-    int32_t* ends = out->ends() + n;
     size_t written;
-    if (operation_ == set_operation::unite) {
-      const key_list both = merged(of_a, of_b);
-      written = keys_.write_united(both, frame_, rows, begins, ends);
-    } else {
-      const bool common = operation_ == set_operation::intersect;
-      const key_list both = merged(of_a, common ? of_b : gaps_of(of_b));
-      written = keys_.write_common(both, 2, frame_, rows, begins, ends);
-    }
+    if (!keys_.combine(view_of(a), view_of(b), out->rows() + n,
+                       out->begins() + n, out->ends() + n, &written))
+      return false;
     out->set_size(n + written);
     return true;
   }
 
-  // In the frame of the stretches before, as far as columns go. False when they
-  // lie outside.
-  bool make_keys(const stretch& a, const stretch& b, const key_list& of_a,
-                 const key_list& of_b) {
-    frame_.first_row = std::min(a.row(), b.row());
-    return keys_.make(view_of(a), frame_, of_a).within(frame_) &&
-           keys_.make(view_of(b), frame_, of_b).within(frame_);
-  }
-
-  key_list merged(const key_list& a, const key_list& b) {
-    const key_list both = room_.list(2, a.count + b.count);
-    keys_.merge(a, b, both);
-    return both;
-  }
-
-  // What lies between the runs, in their place.
-  static key_list gaps_of(const key_list& runs) {
-    // The begins move up by one place: they take the room of the ends.
-    for (size_t i = 0; i < runs.count; ++i) {
-      runs.begins[i] -= 1;
-      runs.ends[i] += 1;
-    }
-    const key_list gaps{runs.ends - 1, runs.begins, runs.count + 1};
-    gaps.begins[0] = 0;
-    gaps.ends[runs.count] = kLastKey - 1;
-    return gaps;
-  }
-
-  void combine_plain(const stretch& a, const stretch& b,
+  void combine_plain(const run_stretch& a, const run_stretch& b,
                      run_buffer* out) const {
     writer w(out, a.count() + b.count());
     switch (operation_) {
@@ -274,20 +189,8 @@ class combination {
   }
 
   const set_operation operation_;
-  const bit_kernels& rows_;
-  const key_kernels& keys_;
-  key_room room_;
-  key_columns columns_;
-  key_frame frame_;
+  key_combination keys_;
 };
-
-// The first run of the row that run i of `from` lies in, in either list.
-size_t row_begin(const run_view& list, const run_view& from, size_t i) {
-  if (i == from.count) return list.count;
-  return static_cast<size_t>(
-      std::lower_bound(list.rows, list.rows + list.count, from.rows[i]) -
-      list.rows);
-}
 
 // Room that is not outgrown, as a rule: growing copies everything.
 size_t expected_runs(set_operation operation, size_t a, size_t b) {
@@ -296,26 +199,14 @@ size_t expected_runs(set_operation operation, size_t a, size_t b) {
          kLastStretches;
 }
 
-// Pieces of whole rows, each with about as many runs, side by side.
 run_buffer combine(set_operation operation, const run_view& a,
                    const run_view& b) {
-  const run_view& larger = a.count >= b.count ? a : b;
-  const size_t pieces = piece_count(larger.count, 16384);
-  std::vector<run_buffer> parts;
-  while (parts.size() < pieces) parts.emplace_back(size_t{0});
-  parallel_for(pieces, [&](size_t p) {
-    const size_t first = piece_begin(larger.count, pieces, p);
-    const size_t last = piece_begin(larger.count, pieces, p + 1);
-    const auto part_of = [&](const run_view& list) {
-      return stretch{list, p == 0 ? 0 : row_begin(list, larger, first),
-                     row_begin(list, larger, last)};
-    };
-    const stretch from_a = part_of(a);
-    const stretch from_b = part_of(b);
-    parts[p].ensure(expected_runs(operation, from_a.count(), from_b.count()));
-    combination(operation).combine(from_a, from_b, &parts[p]);
-  });
-  return joined(std::move(parts));
+  return joined(combine_pieces<run_buffer>(
+      a, b,
+      [&](const run_stretch& of_a, const run_stretch& of_b, run_buffer* part) {
+        part->ensure(expected_runs(operation, of_a.count(), of_b.count()));
+        combination(operation).combine(of_a, of_b, part);
+      }));
 }
 
 }  // namespace
