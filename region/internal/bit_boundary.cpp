@@ -101,10 +101,14 @@ class edge_band {
   const uint64_t* below_ = nullptr;
 };
 
+// In nanoseconds, 9 for a run in the form of runs; in bits 1 for a run, 6 for
+// every word of the rows and 10 for a row.
+double cost_of_rows(double rows, size_t words) {
+  return rows * (10 + 6 * static_cast<double>(words));
+}
+
 }  // namespace
 
-// Runs cost about 9 ns each, bits 1 ns and 6 ns for every word of the rows and
-// 10 ns for a row.
 bool dense_boundary(const run_view& source) {
   if (source.count == 0) return false;
   const columns span = columns_of(source);
@@ -115,15 +119,19 @@ bool dense_boundary(const run_view& source) {
       first_row == INT32_MIN || last_row == INT32_MAX)
     return false;
   const double rows = int64_t{last_row} - first_row + 1.0;
-  const auto words = static_cast<double>(words_for(span.min, span.max));
+  const size_t words = words_for(span.min, span.max);
   return words < (1 << 20) &&
-         8 * static_cast<double>(source.count) > rows * (10 + 6 * words);
+         8 * static_cast<double>(source.count) > cost_of_rows(rows, words);
 }
 
 run_buffer bit_boundary(const run_view& source, edge which) {
   const row_list rows(source);
   const columns span = columns_of(source);
-  const size_t pieces = piece_count(rows.count(), 32);
+  const auto all_rows = static_cast<double>(rows.count());
+  const double cost = static_cast<double>(source.count) +
+                      cost_of_rows(all_rows, words_for(span.min, span.max));
+  const size_t pieces =
+      std::min(pieces_worth(cost), piece_count(rows.count(), 32));
   std::vector<run_buffer> parts(pieces);
   parallel_for(pieces, [&](size_t p) {
     const size_t first = piece_begin(rows.count(), pieces, p);

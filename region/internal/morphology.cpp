@@ -60,9 +60,9 @@ struct band {
 
 // Result rows in bands. A band ends where the source has a gap that no element
 // row bridges, or when it is high enough.
-std::vector<band> bands_of(const row_list& rows, const extent& element) {
+std::vector<band> bands_of(const row_list& rows, const extent& element,
+                           size_t pieces) {
   const int64_t height = element.max_row - element.min_row + 1;
-  const size_t pieces = static_cast<size_t>(thread_count());
   const size_t enough = std::max<size_t>(static_cast<size_t>(4 * height), 256);
   const size_t per_band =
       std::max<size_t>(std::min(enough, rows.count() / pieces + 1), 16);
@@ -90,31 +90,29 @@ class morphology {
 
   // The element of an erosion comes mirrored: then both kinds move source rows
   // and columns by the element's.
-  morphology(kind what, const run_view& source, const row_list& rows,
-             const element_runs& element)
+  morphology(kind what, const run_view& source, const extent& source_extent,
+             const row_list& rows, const element_runs& element)
       : what_(what),
         source_(source),
         rows_(rows),
         element_(element),
         plan_(element),
         strip_(element),
-        source_extent_(extent_of(source)),
+        source_extent_(source_extent),
         element_extent_(extent_of(element)) {}
 
   // Elements that are no strips leave bits or nothing but runs.
   bool better_plain() const {
-    const load all{static_cast<double>(source_.count),
-                   static_cast<double>(rows_.count())};
+    const load all = load_of_all();
     const double element_runs = static_cast<double>(plan_.rows().size());
     return !strips_possible() && 8 * all.runs * element_runs < bit_cost(all);
   }
 
   run_buffer run() const {
-    const std::vector<band> bands = bands_of(rows_, element_extent_);
+    const size_t worth = pieces_worth(least_cost(load_of_all()));
+    const std::vector<band> bands = bands_of(rows_, element_extent_, worth);
     // One thread appends band after band to one list and copies nothing.
-    const size_t threads = static_cast<size_t>(thread_count());
-    const size_t pieces =
-        threads == 1 ? 1 : std::min(bands.size(), 4 * threads);
+    const size_t pieces = worth == 1 ? 1 : std::min(bands.size(), 4 * worth);
     std::vector<run_buffer> parts(pieces);
     parallel_for(pieces, [&](size_t p) {
       const size_t last = piece_begin(bands.size(), pieces, p + 1);
@@ -186,11 +184,25 @@ class morphology {
     double runs;
     double rows;
   };
+  load load_of_all() const {
+    return {static_cast<double>(source_.count),
+            static_cast<double>(rows_.count())};
+  }
   load load_of(const band& b) const {
     const size_t first = rows_.find(b.first_row - element_extent_.max_row);
     const size_t last = rows_.find(b.last_row - element_extent_.min_row + 1);
     return {static_cast<double>(rows_.first(last) - rows_.first(first)),
             static_cast<double>(last - first)};
+  }
+
+  // Of whichever form run() would take.
+  double least_cost(const load& l) const {
+    double cost = bit_cost(l);
+    if (strips_possible())
+      cost = std::min(cost, strip_cost(l.runs, l.runs / 5));
+    if (key_morphology::possible(element_))
+      cost = std::min(cost, key_cost(l.runs));
+    return cost;
   }
 
   // With vectors, less than that of strips whatever the picture.
@@ -257,7 +269,8 @@ run_buffer dilate(const run_view& runs, const element_runs& element) {
   if (!moderate(from) || !moderate(by) ||
       g_form.load() == morphology_form::plain)
     return plain_dilate(source, element);
-  const morphology work(morphology::kind::dilation, source, rows, element);
+  const morphology work(morphology::kind::dilation, source, from, rows,
+                        element);
   return work.better_plain() ? plain_dilate(source, element) : work.run();
 }
 
@@ -273,7 +286,8 @@ run_buffer erode(const run_view& runs, const element_runs& element) {
   if (!fits(from + by) || !moderate(from) || !moderate(by) ||
       g_form.load() == morphology_form::plain)
     return plain_erode(source, element);
-  const morphology work(morphology::kind::erosion, source, rows, mirrored);
+  const morphology work(morphology::kind::erosion, source, from, rows,
+                        mirrored);
   return work.better_plain() ? plain_erode(source, element) : work.run();
 }
 

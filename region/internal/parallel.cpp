@@ -16,6 +16,11 @@ namespace {
 
 std::atomic<int> g_thread_limit{0};
 
+// Waking a thread that sleeps, its cold caches and joining what it wrote: two
+// threads gain from about 0.4 ms on (bench_morphology).
+constexpr double kHandOverCost = 200e3;
+std::atomic<double> g_hand_over_cost{kHandOverCost};
+
 int hardware_threads() {
   static const int threads =
       std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -31,6 +36,18 @@ int thread_count() {
 
 void set_thread_limit(int threads) {
   g_thread_limit.store(threads, std::memory_order_relaxed);
+}
+
+size_t pieces_worth(double nanoseconds) {
+  const double least = g_hand_over_cost.load(std::memory_order_relaxed);
+  const auto most = static_cast<double>(thread_count());
+  return static_cast<size_t>(
+      std::clamp(nanoseconds / std::max(least, 1e-3), 1.0, most));
+}
+
+void set_hand_over_cost(double nanoseconds) {
+  g_hand_over_cost.store(nanoseconds < 0 ? kHandOverCost : nanoseconds,
+                         std::memory_order_relaxed);
 }
 
 void dispatch(size_t count, task_function run, void* context) {

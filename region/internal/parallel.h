@@ -85,6 +85,14 @@ inline size_t piece_count(size_t count, size_t grain) {
   return std::clamp<size_t>(count / std::max<size_t>(grain, 1), 1, most);
 }
 
+// How many pieces work of about so many nanoseconds is worth, one for each
+// thread at most.
+size_t pieces_worth(double nanoseconds);
+
+// For tests: what a piece must cost to be worth another thread. 0: nothing. A
+// negative number stands for the usual cost.
+void set_hand_over_cost(double nanoseconds);
+
 // First item of piece `i` of `pieces` equal ones.
 inline size_t piece_begin(size_t count, size_t pieces, size_t i) {
   return count / pieces * i + std::min(i, count % pieces);

@@ -139,6 +139,7 @@ TEST(Boundary, AgreesWithThePixelOracle) {
 }
 
 TEST(Boundary, DenseAndSparseRowsThreadsAndVectorWidthsAgree) {
+  vexo::internal::set_hand_over_cost(0);
   using vexo::internal::vector_level;
   for (uint64_t seed = 0; seed < vexo_test::cases(20); ++seed) {
     SCOPED_TRACE(seed);
@@ -170,6 +171,7 @@ TEST(Boundary, DenseAndSparseRowsThreadsAndVectorWidthsAgree) {
       }
     }
   }
+  vexo::internal::set_hand_over_cost(-1);
 }
 
 TEST(Boundary, OuterBeyond32BitsThrowsAndLeavesTheOutputAsItWas) {

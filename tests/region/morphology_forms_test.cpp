@@ -25,6 +25,7 @@ class MorphologyForms : public testing::Test {
     vexo::internal::set_morphology_form(morphology_form::cheapest);
     vexo::internal::set_vector_limit(vector_level::kAvx512);
     vexo::internal::set_thread_limit(0);
+    vexo::internal::set_hand_over_cost(-1);
   }
 };
 
@@ -120,6 +121,7 @@ TEST_F(MorphologyForms, AllFormsAndVectorWidthsAgreeOnLargeRegions) {
 }
 
 TEST_F(MorphologyForms, EveryNumberOfThreadsGivesTheSame) {
+  vexo::internal::set_hand_over_cost(0);
   for (uint64_t seed = 0; seed < vexo_test::cases(40); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed + 1000);
