@@ -136,6 +136,7 @@ TEST(NativePosition, WideRangeHas32767Positions) {
   EXPECT_EQ(NativePositions({0, 32768, 1}), 32767);
   EXPECT_EQ(NativePositions({-1e9, 1e9, 0.001}), 32767);
   EXPECT_EQ(NativePositions({-kInfinity, kInfinity, 1}), 32767);
+  EXPECT_EQ(NativePositions({-kInfinity, kInfinity, kInfinity}), 32767);
   EXPECT_EQ(NativePosition(1e9, {-1e9, 1e9, 0.001}, 32767), 32767);
   EXPECT_EQ(NativePosition(0, {-1e9, 1e9, 0.001}, 32767), 16384);
 }
@@ -203,6 +204,12 @@ TEST(StepNumber, SeveralStepsAtOnce) {
   EXPECT_EQ(StepNumber(10, 5, kLength, false), 15);
   EXPECT_EQ(StepNumber(10, -20, kLength, false), 0);
   EXPECT_EQ(StepNumber(990, 20, kLength, false), 1000);
+}
+
+TEST(StepNumber, NoStepLeavesTheValueAsItIs) {
+  for (const double value : {-7.0, 0.4, 5.0, 10.0, 50.0}) {
+    EXPECT_EQ(StepNumber(value, 0, kSigma, true), value);
+  }
 }
 
 TEST(StepNumber, ValueBeyondAnEndComesBackToItInEitherDirection) {
