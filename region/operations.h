@@ -15,6 +15,11 @@ namespace vexo {
 // the result untouched. Work is split over the hardware's threads; results are
 // the same for every number of them, byte for byte.
 
+// How many threads an operation uses at most; 0, as at the start: as many as
+// the hardware has. With 1 everything stays on the calling thread, so several
+// callers can share a machine. Not to be called while an operation runs.
+void limit_threads(int threads);
+
 // Threshold: the pixels whose grey value g satisfies min <= g <= max.
 //
 //   image    width * height bytes, rows top to bottom, no padding. Not written.

@@ -150,4 +150,15 @@ TEST_F(Parallel, SortByLabelKeepsTheOrderWithinALabel) {
   }
 }
 
+TEST_F(Parallel, CallersCanLimitTheThreads) {
+  vexo::limit_threads(1);
+  const std::thread::id caller = std::this_thread::get_id();
+  internal::parallel_for(1000, [&](size_t) {
+    EXPECT_EQ(std::this_thread::get_id(), caller);
+  });
+  vexo::limit_threads(0);
+  EXPECT_EQ(internal::thread_count(),
+            std::max(1, static_cast<int>(std::thread::hardware_concurrency())));
+}
+
 }  // namespace
