@@ -62,22 +62,24 @@ void ComponentSet::Unite(region* united) const {
 }
 
 const std::array<Feature, kFeatures>& Features() {
+  // clang-format off
   static constexpr std::array<Feature, kFeatures> features = {{
-      {"area", [](const region& r) -> double { return r.area; }},
-      {"x", [](const region& r) { return r.center_col(); }},
-      {"y", [](const region& r) { return r.center_row(); }},
-      {"x_min", [](const region& r) -> double { return r.bbox[1]; }},
-      {"y_min", [](const region& r) -> double { return r.bbox[0]; }},
-      {"x_max", [](const region& r) -> double { return r.bbox[3]; }},
-      {"y_max", [](const region& r) -> double { return r.bbox[2]; }},
-      {"ra", [](const region& r) { return r.ra(); }},
-      {"rb", [](const region& r) { return r.rb(); }},
-      {"phi", [](const region& r) { return r.phi(); }},
-      {"rect2_len1", [](const region& r) { return r.rect_half_length1(); }},
-      {"rect2_len2", [](const region& r) { return r.rect_half_length2(); }},
-      {"rect2_phi", [](const region& r) { return r.rect_angle(); }},
-      {"circularity", [](const region& r) { return r.circularity(); }},
+      {"area",        [](const region& r) -> double { return r.area; }, true},
+      {"x",           [](const region& r) { return r.center_col(); }, false},
+      {"y",           [](const region& r) { return r.center_row(); }, false},
+      {"x_min",       [](const region& r) -> double { return r.bbox[1]; }, true},
+      {"y_min",       [](const region& r) -> double { return r.bbox[0]; }, true},
+      {"x_max",       [](const region& r) -> double { return r.bbox[3]; }, true},
+      {"y_max",       [](const region& r) -> double { return r.bbox[2]; }, true},
+      {"ra",          [](const region& r) { return r.ra(); }, false},
+      {"rb",          [](const region& r) { return r.rb(); }, false},
+      {"phi",         [](const region& r) { return r.phi(); }, false},
+      {"rect2_len1",  [](const region& r) { return r.rect_half_length1(); }, false},
+      {"rect2_len2",  [](const region& r) { return r.rect_half_length2(); }, false},
+      {"rect2_phi",   [](const region& r) { return r.rect_angle(); }, false},
+      {"circularity", [](const region& r) { return r.circularity(); }, false},
   }};
+  // clang-format on
   return features;
 }
 

@@ -63,6 +63,7 @@ void ForEachRun(const vexo::region& region, Visit visit) {
 struct Feature {
   const char* name;
   double (*value)(const vexo::region& component);
+  bool is_whole;  // a whole number
 };
 
 inline constexpr size_t kFeatures = 14;

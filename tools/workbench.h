@@ -44,6 +44,7 @@ enum Language : int32_t { kChinese = 0, kEnglish = 1 };
 struct RoiShape {
   uint8_t kind;
   float values[5];
+  bool operator==(const RoiShape&) const = default;
 };
 
 // Kinds of ShapeEntry.
