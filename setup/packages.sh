@@ -16,6 +16,8 @@ native=(
   libopencv-dev
   libtbb-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
   googletest libbenchmark-dev
+  # Readers of result files that are not ours: the tests compare with them.
+  python3 python3-numpy python3-pil
 )
 windows_why="cross compiler, and what its libraries are built with"
 windows=(

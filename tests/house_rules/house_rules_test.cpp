@@ -94,11 +94,13 @@ const Layers& IncludesAllowed() {
       {"region/", {"region/"}},
       {"vexolab/", {"vexolab/"}},
       {"tools/", With(kRegion, {"tools/", "vexolab/vexolab.h"})},
+      {"recipes/", With(kRegion, {"recipes/", "tools/", "vexolab/vexolab.h"})},
       {"app/view/", With(kRegion, {"app/view/", "tools/"})},
       {"mfc/", {}},
       {"controls/", {"controls/"}},
-      {"app/", With(kRegion, {"app/", "controls/", "tools/", "res/"})},
-      {"cli/", With(kRegion, {"cli/", "app/view/", "tools/"})},
+      {"app/",
+       With(kRegion, {"app/", "controls/", "recipes/", "tools/", "res/"})},
+      {"cli/", With(kRegion, {"cli/", "recipes/", "app/view/", "tools/"})},
   };
   return layers;
 }
@@ -113,7 +115,8 @@ const Layers& SystemHeaders() {
       {"afx", windows},
       {"opencv2/highgui", {"app/", "tests/windows/"}},
       {"opencv2/",
-       {"tools/", "app/", "cli/", "samples/", "tests/", "bench/", "fuzz/"}},
+       {"tools/", "app/", "cli/", "recipes/", "samples/", "tests/", "bench/",
+        "fuzz/"}},
       {"Eigen/", {"vexolab/", "tests/vexolab/", "bench/"}},
   };
   return headers;
