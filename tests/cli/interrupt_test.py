@@ -25,21 +25,23 @@ with tempfile.TemporaryDirectory() as folder:
     # Some minutes of work.
     run = subprocess.Popen(
         [program, "run", "recipe.json", *images * 20000, "--out", "out"],
-        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-    first = run.stdout.readline()
+        stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+        # A buffer would keep lines from communicate().
+        bufsize=0)
+    assert run.stdout.readline().endswith(b"\n")
     run.send_signal(signal.SIGINT)
     started = time.monotonic()
     rest, error = run.communicate(timeout=60)
     assert run.returncode == 130, (run.returncode, error)
     assert time.monotonic() - started < 10
-    assert error == "", error
+    assert error == b"", error
     assert sorted(os.listdir("out")) == ["a.csv", "a.json"], os.listdir("out")
 
     with open("out/a.json") as file:
         done = json.load(file)["images"]
     assert 0 < len(done) < 40000
     assert [one["image"] for one in done] == (images * 20000)[:len(done)]
-    assert 1 + rest.count("\n") == len(done)
+    assert 1 + rest.count(b"\n") == len(done)
     with open("out/a.csv", newline="") as file:
         rows = list(csv.DictReader(file))
     assert len(rows) == sum(len(one["objects"]) for one in done) > 0
