@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
 
+#include "tests/tools/console_times.h"
 #include "tests/tools/recorded_library.h"
 
 namespace rendal {
@@ -33,9 +33,7 @@ class Caliper : public testing::Test {
     bench.m_toolMode = mode;
     testing::internal::CaptureStdout();
     Measure(bench, parameters);
-    return std::regex_replace(testing::internal::GetCapturedStdout(),
-                              std::regex("elasped time:[0-9.e+-]+s"),
-                              "elasped time:Ts");
+    return WithoutTimes(testing::internal::GetCapturedStdout());
   }
 
   void ExpectNothingHappened(const std::string& console) {

@@ -2,7 +2,7 @@
 //
 // How the program starts and ends.
 #include <cstdio>
-#include <regex>
+#include <cwctype>
 #include <thread>
 
 #include "app/build_date.h"
@@ -29,8 +29,11 @@ class StartUp : public MainDialogTest {
 
 TEST_F(StartUp, TitleCarriesTheBuildDate) {
   Run([&] {
-    const std::wregex title(L"测量    20[0-9][0-9]-[01][0-9]-[0-3][0-9]");
-    EXPECT_TRUE(std::regex_match(TextOf(dialog.m_hWnd), title));
+    std::wstring title = TextOf(dialog.m_hWnd);
+    ASSERT_EQ(title.substr(0, 8), L"测量    20");
+    for (size_t i = 8; i < title.size(); ++i)
+      if (std::iswdigit(title[i])) title[i] = L'#';
+    EXPECT_EQ(title, L"测量    20##-##-##");
   });
 }
 
