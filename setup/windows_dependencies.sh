@@ -43,17 +43,19 @@ tbb_options=(
 )
 opencv_off=(
   BUILD_TESTS BUILD_PERF_TESTS BUILD_EXAMPLES BUILD_opencv_apps BUILD_JAVA
-  BUILD_ZLIB BUILD_PNG BUILD_JPEG BUILD_TIFF ENABLE_PRECOMPILED_HEADERS
+  BUILD_ZLIB BUILD_PNG BUILD_JPEG BUILD_TIFF
   WITH_1394 WITH_ADE WITH_DIRECTX WITH_DSHOW WITH_EIGEN WITH_FFMPEG
   WITH_GSTREAMER WITH_IPP WITH_ITT WITH_JASPER WITH_LAPACK WITH_MSMF
   WITH_OPENCL WITH_OPENEXR WITH_OPENJPEG WITH_PROTOBUF WITH_QUIRC WITH_VTK
   WITH_WEBP
 )
 opencv_off=("${opencv_off[@]/#/-D}")
+# It would take 40 % longer without precompiled headers and with a second set of
+# vector code for processors older than AVX2.
 opencv_options=(
   "${opencv_off[@]/%/=OFF}" -DBUILD_LIST=core,imgproc,imgcodecs,highgui
   -DWITH_WIN32UI=ON -DWITH_PTHREADS_PF=ON -DHAVE_PTHREAD=1
-  -DCPU_DISPATCH=SSE4_1,AVX2
+  -DENABLE_PRECOMPILED_HEADERS=ON -DCPU_DISPATCH=AVX2
 )
 
 entry=windows-$(key_of "$versions" "${common_options[@]}" "${png_options[@]}" \
