@@ -58,7 +58,6 @@ run_preset() {
 }
 
 run_native() {
-  setup/packages.sh native
   build_preset native
   run_preset native
 }
@@ -66,7 +65,6 @@ run_native() {
 # Requests for absurd amounts of memory are tested: they must fail as they do
 # without the sanitizer.
 run_asan() {
-  setup/packages.sh native
   build_preset native-asan
   export ASAN_OPTIONS=allocator_may_return_null=1:detect_leaks=1
   ASAN_OPTIONS+=:strict_string_checks=1:check_initialization_order=1
@@ -77,7 +75,6 @@ run_asan() {
 }
 
 run_tsan() {
-  setup/packages.sh native
   build_preset native-tsan
   export TSAN_OPTIONS=allocator_may_return_null=1:halt_on_error=1
   TSAN_OPTIONS+=:second_deadlock_stack=1
@@ -90,7 +87,6 @@ end_windows() {
 }
 
 run_windows() {
-  setup/packages.sh native windows display
   # Windows of another run must not be met, so this has its own session.
   export RENDAL_WINEPREFIX=$PWD/build/wine-test
   . setup/environment.sh
@@ -106,6 +102,14 @@ run_windows() {
 
 trap 'exit 130' INT
 trap 'exit 143' TERM
+
+# All at once: package lists are refreshed and triggers run only once.
+groups=(native)
+[[ " ${runners[*]} " != *" windows "* ]] || groups+=(windows display)
+if ! setup/packages.sh "${groups[@]}"; then
+  printf '0 passed, %s failed\n' "${#runners[@]}"
+  exit 1
+fi
 
 passed=0
 failed=0
