@@ -86,6 +86,7 @@ class Measurement {
 };
 
 void Measurement::Note(int code) {
+  ThrowIfOutOfMemory(code);
   if (m_report.code == 0 && code < 0) m_report.code = code;
 }
 

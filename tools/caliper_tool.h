@@ -46,8 +46,9 @@ struct MeasureReport {
 // only result, shown with the next refresh instead of the region overlay.
 //
 // Without an image or in mode "none" nothing happens at all. No answer of the
-// library keeps it from going on: a fit that failed leaves zeros, which are
-// printed and draw nothing. Library memory is released before this returns.
+// library but that its memory ran out keeps it from going on: a fit that failed
+// leaves zeros, which are printed and draw nothing. Library memory is released
+// before this returns.
 // When it throws (out of memory), results and overlay are as they were.
 MeasureReport Measure(Workbench& workbench,
                       const CaliperParameters& parameters);

@@ -138,6 +138,7 @@ bool SegmentMeasurement::FitLine() {
   const int code =
       m_library.do_fit(points, n, VEXOLAB_LINE, kFitMethod, kFitFactor,
                        kFitIterations, kFitLeast, line);
+  ThrowIfOutOfMemory(code);
   ConsolePrintf("num1 = %2d, num2 = %2d\n", rectangle_count, n);
   ConsolePrintf("mem_id = %3d, mem_id2 = %3d, err_code = %3d\n", rectangles_id,
                 points_id, code);

@@ -2,6 +2,7 @@
 #include "tools/measurement_library.h"
 
 #include <algorithm>
+#include <new>
 
 namespace rendal {
 
@@ -15,6 +16,10 @@ const MeasurementLibrary& LinkedMeasurementLibrary() {
                                              &::measure_pos_d,
                                              &::clear_mems};
   return library;
+}
+
+void ThrowIfOutOfMemory(int answer) {
+  if (answer == VEXOLAB_E_MEMORY) throw std::bad_alloc();
 }
 
 std::vector<MeasureRectangle> CopyRectangles(const float* rectangles,

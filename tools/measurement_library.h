@@ -31,6 +31,9 @@ struct MeasurementLibrary {
 // The library that the program is linked with.
 const MeasurementLibrary& LinkedMeasurementLibrary();
 
+// Throws std::bad_alloc for VEXOLAB_E_MEMORY; any other answer is the caller's.
+void ThrowIfOutOfMemory(int answer);
+
 // Ids of library memory, released in the order in which they came, also when
 // the tool throws in between. At most two at a time.
 class LibraryMemory {
@@ -41,8 +44,11 @@ class LibraryMemory {
   LibraryMemory(const LibraryMemory&) = delete;
   LibraryMemory& operator=(const LibraryMemory&) = delete;
 
-  // Returns the id.
-  int Keep(int id) { return m_ids[m_count++] = id; }
+  // Returns the id. Throws std::bad_alloc for VEXOLAB_E_MEMORY.
+  int Keep(int id) {
+    ThrowIfOutOfMemory(id);
+    return m_ids[m_count++] = id;
+  }
   void Release() {
     for (int i = 0; i < m_count; ++i) m_library.clear_mems(m_ids[i]);
     m_count = 0;

@@ -30,6 +30,9 @@ constexpr Wording kImageOpened = {
 constexpr Wording kChannelsNotSupported = {
     "打开图片,channels = %d not support",
     "open image,channels = %d not support"};
+constexpr Wording kImageTooLarge = {
+    "图片太大,width = %llu, height = %llu, 最多 %llu 像素",
+    "image too large,width = %llu, height = %llu, at most %llu pixels"};
 constexpr Wording kBandReversed   = {"MinGray = %d > MaxGray = %d",
                                      "MinGray = %d > MaxGray = %d"};
 constexpr Wording kRegionEmpty    = {"region is empty",
@@ -67,6 +70,13 @@ Status ImageOpened(int32_t language, int width, int height) {
 
 Status ChannelsNotSupported(int32_t language, int channels) {
   return Format(Tone::kNotice, language, &kChannelsNotSupported, channels);
+}
+
+Status ImageTooLarge(int32_t language, uint64_t width, uint64_t height,
+                     uint64_t most_pixels) {
+  using Printed = unsigned long long;
+  return Format(Tone::kError, language, &kImageTooLarge, Printed{width},
+                Printed{height}, Printed{most_pixels});
 }
 
 Status DisplayCleared() { return {Tone::kNotice, ""}; }

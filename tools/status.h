@@ -38,6 +38,8 @@ namespace messages {
 
 Status ImageOpened(int32_t language, int width, int height);
 Status ChannelsNotSupported(int32_t language, int channels);
+Status ImageTooLarge(int32_t language, uint64_t width, uint64_t height,
+                     uint64_t most_pixels);
 Status DisplayCleared();
 
 // The blob tool's messages read the same in both languages.

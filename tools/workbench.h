@@ -106,6 +106,9 @@ struct Workbench {
   // history like any other, and what follows works on nothing.
   bool m_keepsEmptyRegions = false;
 
+  // Image files that claim more are refused.
+  uint64_t m_maxImagePixels = 500'000'000;
+
   // What measures; tests put functions of their own here.
   MeasurementLibrary m_measurementLibrary = LinkedMeasurementLibrary();
 

@@ -8,7 +8,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -48,8 +47,8 @@ void parallel_for(int n, MakeWorker make_worker, Body body) {
   for (int i = 0; i < helpers; ++i) {
     try {
       threads.emplace_back(work);
-    } catch (const std::system_error&) {
-      break;  // The system has no more threads: fewer do as well.
+    } catch (const std::exception&) {
+      break;  // No more threads, or no memory for one: fewer do as well.
     }
   }
   work();

@@ -75,7 +75,7 @@ void CloseJpeg(Bytes* bytes) {
   }
 }
 
-cv::Mat Decode(const fs::path& path, LoadReport* report) {
+cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
   // The decoder of byte arrays counts in int.
@@ -84,6 +84,11 @@ cv::Mat Decode(const fs::path& path, LoadReport* report) {
   }
   Bytes bytes = ReadFile(path);
   if (bytes.empty()) return {};
+  const auto claimed = ReadClaimedSize(bytes);
+  if (claimed && claimed->Exceeds(most_pixels)) {
+    report->too_large = claimed;
+    return {};
+  }
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
     ConsolePrintf("the image file is cut off\n");
     report->is_cut_off = true;
@@ -95,15 +100,16 @@ cv::Mat Decode(const fs::path& path, LoadReport* report) {
 
 // As the image library delivers it; empty if it is no image. Memory that ran
 // out is the only thing that leaves as an exception.
-cv::Mat ReadImage(const fs::path& path, LoadReport* report) {
+cv::Mat ReadImage(const fs::path& path, uint64_t most_pixels,
+                  LoadReport* report) {
   cv::Mat image;
   try {
-    image = Decode(WithoutLengthLimit(path), report);
+    image = Decode(WithoutLengthLimit(path), most_pixels, report);
   } catch (const cv::Exception& error) {
     if (error.code == cv::Error::StsNoMem) throw;
     ConsolePrintf("image library: %s\n", error.err.c_str());
   }
-  if (image.empty()) {
+  if (image.empty() && !report->too_large) {
     ConsolePrintf("no image in %s\n", Utf8(path).c_str());
   }
   report->channels = image.channels();
@@ -208,7 +214,12 @@ Status LoadImageFile(const fs::path& path, Workbench& workbench,
   LoadReport unused;
   if (report == nullptr) report = &unused;
   ConsolePrintf("src path = %s\n", Utf8(path).c_str());
-  cv::Mat image = ReadImage(path, report);
+  cv::Mat image = ReadImage(path, workbench.m_maxImagePixels, report);
+  if (report->too_large) {
+    const auto [width, height] = *report->too_large;
+    return messages::ImageTooLarge(workbench.m_language, width, height,
+                                   workbench.m_maxImagePixels);
+  }
   const int channels = image.channels();
   if (channels != 1 && channels != 3 && channels != 4) {
     workbench.m_srcImage = image;

@@ -3,8 +3,10 @@
 #define RENDAL_APP_VIEW_IMAGE_LOADER_H_
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
+#include "app/view/image_header.h"
 #include "app/view/view_state.h"
 #include "tools/status.h"
 #include "tools/workbench.h"
@@ -17,6 +19,8 @@ struct LoadReport {
   int bits = 0;  // of a sample
   bool is_float = false;
   bool is_cut_off = false;  // a JPEG that ends within its picture
+  // Set when the file was refused for its size.
+  std::optional<ClaimedSize> too_large;
   std::string grey_values;  // how the values were scaled; none: as they are
 };
 
@@ -35,8 +39,15 @@ struct LoadReport {
 //             line that names the path. So do damaged files, except that a
 //             JPEG that is cut off in its picture opens, grey where it has no
 //             data, and the console says so.
+//   Too large A PNG, BMP, JPEG or TIFF file of less than 2 GB whose header claims
+//             more than Workbench::m_maxImagePixels is refused before memory is
+//             taken for its pixels: red status, everything stays. Other files
+//             have the image library's limit of 2^30 pixels and count as no
+//             image above it.
 //   Throws    std::bad_alloc, cv::Exception when memory runs out; the
-//             workbench and the view are as before.
+//             workbench and the view are as before. Except within a decoder:
+//             the image library then says no more than that the file is no
+//             image.
 //   report    May be null.
 Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
                      ViewState& view, LoadReport* report = nullptr);

@@ -311,8 +311,34 @@ TEST_F(ImageLoader, ImageOf400MegapixelsOpens) {
 
 TEST_F(ImageLoader, MorePixelsThanTheImageLibraryTakesAreNoImage) {
   // 40000 x 30000 is above its limit of 2^30 pixels.
+  m_bench.m_maxImagePixels = uint64_t{1} << 40;
   ExpectNoImage(LoadBytes(Png(40000, 30000, 8, 0, {}, {0, 0})));
   EXPECT_NE(m_console.find("image library: "), std::string::npos) << m_console;
+}
+
+TEST_F(ImageLoader, FileThatClaimsTooManyPixelsIsRefusedAndNothingChanges) {
+  LoadMat(cv::Mat(30, 40, CV_8U, cv::Scalar(5)), ".png");
+  m_view.zoom = 3;
+  m_bench.m_redraw = -1;
+  const Status status = LoadBytes(Png(60000, 60000, 8, 0, {}, {0, 0}));
+  EXPECT_EQ(status.tone, Tone::kError);
+  EXPECT_EQ(status.text,
+            "image too large,width = 60000, height = 60000, at most 500000000 "
+            "pixels");
+  EXPECT_EQ(m_bench.m_srcImage.size(), cv::Size(40, 30));
+  EXPECT_EQ(m_view.zoom, 3);
+  EXPECT_EQ(m_bench.m_redraw, -1);
+}
+
+TEST_F(ImageLoader, LimitOfPixelsHoldsForEveryFormatAndIsInclusive) {
+  for (const char* extension : {".png", ".bmp", ".jpg", ".tif"}) {
+    SCOPED_TRACE(extension);
+    const cv::Mat image(50, 70, CV_8U, cv::Scalar(5));
+    m_bench.m_maxImagePixels = 3500;
+    ExpectOpened(LoadMat(image, extension), 70, 50);
+    m_bench.m_maxImagePixels = 3499;
+    EXPECT_EQ(LoadMat(image, extension).tone, Tone::kError);
+  }
 }
 
 TEST_F(ImageLoader, EmptyFileIsNoImage) { ExpectNoImage(LoadBytes({})); }

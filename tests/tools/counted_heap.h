@@ -3,11 +3,16 @@
 // Replaces the heap of a test program: counts the blocks in use, and can make
 // allocations fail. Include it in one source file of a program that is linked
 // with malloc and its relatives wrapped, so that what regions allocate is
-// counted too.
+// counted too. The image library's pixels are never counted, but fail as well.
 #ifndef RENDAL_TESTS_TOOLS_COUNTED_HEAP_H_
 #define RENDAL_TESTS_TOOLS_COUNTED_HEAP_H_
 
+#ifndef _WIN32
+#include <malloc.h>
+#endif
+
 #include <atomic>
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
@@ -17,12 +22,14 @@ namespace rendal::counted_heap {
 
 inline std::atomic<long> live_blocks{0};
 
-// Allocations that still succeed; all after them fail.
+// Allocations that still succeed; then all fail, or the next one only.
 inline constexpr long kNoLimit = std::numeric_limits<long>::max();
 inline std::atomic<long> allocations_left{kNoLimit};
+inline std::atomic<bool> only_one_fails{false};
 
 inline bool MayAllocate() {
-  return allocations_left.fetch_sub(1, std::memory_order_relaxed) > 0;
+  const long left = allocations_left.fetch_sub(1, std::memory_order_relaxed);
+  return left > 0 || (left < 0 && only_one_fails);
 }
 
 }  // namespace rendal::counted_heap
@@ -62,6 +69,19 @@ void __wrap_free(void* block) {
   __real_free(block);
 }
 }
+
+#ifndef _WIN32
+// What the image library, a shared one, takes its pixels from.
+extern "C" int posix_memalign(void** block, size_t alignment,
+                              size_t size) noexcept {
+  void* const taken = rendal::counted_heap::MayAllocate()
+                          ? memalign(alignment, size)
+                          : nullptr;
+  if (taken == nullptr) return ENOMEM;
+  *block = taken;
+  return 0;
+}
+#endif
 
 void* operator new(size_t size) {
   void* const block = __wrap_malloc(size == 0 ? 1 : size);

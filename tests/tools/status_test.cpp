@@ -32,6 +32,20 @@ TEST(Status, UnsupportedChannelsAreANoticeInTheChosenLanguage) {
                "open image,channels = 2 not support");
 }
 
+TEST(Status, ImageTooLargeIsAnErrorInTheChosenLanguage) {
+  // Tupian tai da, "picture too large"; zui duo, "at most"; xiangsu, "pixels".
+  ExpectStatus(messages::ImageTooLarge(0, 60000, 50000, 500000000),
+               Tone::kError,
+               "\xE5\x9B\xBE\xE7\x89\x87\xE5\xA4\xAA\xE5\xA4\xA7"
+               ",width = 60000, height = 50000, "
+               "\xE6\x9C\x80\xE5\xA4\x9A 500000000 "
+               "\xE5\x83\x8F\xE7\xB4\xA0");
+  ExpectStatus(messages::ImageTooLarge(1, 60000, 50000, 500000000),
+               Tone::kError,
+               "image too large,width = 60000, height = 50000, at most "
+               "500000000 pixels");
+}
+
 TEST(Status, BlobMessagesReadTheSameInBothLanguages) {
   for (const int language : {0, 1}) {
     SCOPED_TRACE(language);

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#ifndef RENDAL_APP_VIEW_IMAGE_HEADER_H_
+#define RENDAL_APP_VIEW_IMAGE_HEADER_H_
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace rendal {
+
+struct ClaimedSize {
+  uint64_t width = 0;
+  uint64_t height = 0;
+
+  // Whether these are more than so many pixels; no product overflows.
+  bool Exceeds(uint64_t pixels) const {
+    return width > 0 && height > pixels / width;
+  }
+  bool operator==(const ClaimedSize&) const = default;
+};
+
+// The size that the header of a PNG, BMP, JPEG or TIFF file (its first page)
+// claims, whether its pixels follow or not. Nothing for other files and where
+// the bytes end before the header does. Reads the header only.
+std::optional<ClaimedSize> ReadClaimedSize(
+    std::span<const unsigned char> bytes);
+
+}  // namespace rendal
+
+#endif  // RENDAL_APP_VIEW_IMAGE_HEADER_H_

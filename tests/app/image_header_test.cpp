@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#include "app/view/image_header.h"
+
+#include <gtest/gtest.h>
+
+#include <opencv2/imgcodecs.hpp>
+#include <string>
+
+#include "tests/app/image_bytes.h"
+
+namespace rendal {
+namespace {
+
+using testing_images::Bytes;
+
+Bytes FromText(const std::string& text) {
+  return Bytes(text.begin(), text.end());
+}
+
+void AppendLittle(Bytes* to, uint64_t value, int size) {
+  for (int i = 0; i < size; ++i) {
+    to->push_back(static_cast<unsigned char>(value >> 8 * i));
+  }
+}
+
+TEST(ClaimedSize, IsThatOfFilesAsTheyAreWritten) {
+  for (const char* extension : {".png", ".bmp", ".jpg", ".tif"}) {
+    for (const int type : {CV_8UC1, CV_8UC3}) {
+      Bytes bytes;
+      ASSERT_TRUE(cv::imencode(extension, cv::Mat(37, 300, type), bytes));
+      EXPECT_EQ(ReadClaimedSize(bytes), (ClaimedSize{300, 37})) << extension;
+    }
+  }
+}
+
+TEST(ClaimedSize, OfBitmapsFromTopToBottomAndOfTheOldestKind) {
+  Bytes bitmap = FromText("BM");
+  AppendLittle(&bitmap, 0, 12);
+  Bytes oldest = bitmap;
+  AppendLittle(&bitmap, 40, 4);
+  AppendLittle(&bitmap, 70000, 4);
+  AppendLittle(&bitmap, static_cast<uint32_t>(-50000), 4);
+  EXPECT_EQ(ReadClaimedSize(bitmap), (ClaimedSize{70000, 50000}));
+  AppendLittle(&oldest, 12, 4);
+  AppendLittle(&oldest, 65535, 2);
+  AppendLittle(&oldest, 65534, 2);
+  EXPECT_EQ(ReadClaimedSize(oldest), (ClaimedSize{65535, 65534}));
+}
+
+TEST(ClaimedSize, OfTiffsInBothOrdersOfBytesAndWithLongOffsets) {
+  // Width as a 16-bit, height as a 32-bit number.
+  const Bytes big = {'M', 'M', 0, '*', 0, 0, 0,    8,    0, 2, 1, 0,
+                     0,   3,   0, 0,   0, 1, 0xEA, 0x60, 0, 0, 1, 1,
+                     0,   4,   0, 0,   0, 1, 0,    1,    0, 2};
+  EXPECT_EQ(ReadClaimedSize(big), (ClaimedSize{60000, 65538}));
+  Bytes wide = FromText("II+");
+  AppendLittle(&wide, 0, 1);
+  AppendLittle(&wide, 8, 4);
+  AppendLittle(&wide, 16, 8);  // the directory
+  AppendLittle(&wide, 2, 8);
+  for (const uint64_t tag : {256, 257}) {
+    AppendLittle(&wide, tag, 2);
+    AppendLittle(&wide, 16, 2);
+    AppendLittle(&wide, 1, 8);
+    AppendLittle(&wide, uint64_t{1} << 33 | tag, 8);
+  }
+  EXPECT_EQ(ReadClaimedSize(wide), (ClaimedSize{(uint64_t{1} << 33) + 256,
+                                                (uint64_t{1} << 33) + 257}));
+}
+
+TEST(ClaimedSize, OfJpegsIsFoundBehindOtherSegments) {
+  const Bytes jpeg = {0xFF, 0xD8, 0xFF, 0xE1, 0,    6,    0xFF,
+                      0xC0, 0,    0,    0xFF, 0xFF, 0xC2, 0,
+                      8,    8,    0x12, 0x34, 0x56, 0x78, 1};
+  EXPECT_EQ(ReadClaimedSize(jpeg), (ClaimedSize{0x5678, 0x1234}));
+  const Bytes scan_first = {0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0,
+                            0,    8,    8,    0,    1, 0, 1};
+  EXPECT_EQ(ReadClaimedSize(scan_first), std::nullopt);
+}
+
+TEST(ClaimedSize, IsNoneWhereTheHeaderIsCutOffAndInOtherFiles) {
+  for (const char* extension : {".png", ".bmp", ".jpg", ".tif"}) {
+    Bytes bytes;
+    ASSERT_TRUE(cv::imencode(extension, cv::Mat(3, 3, CV_8UC1), bytes));
+    for (size_t length = 0; length < bytes.size(); ++length) {
+      const std::span part(bytes.data(), length);
+      const auto size = ReadClaimedSize(part);
+      EXPECT_TRUE(!size || *size == (ClaimedSize{3, 3})) << extension << length;
+    }
+    EXPECT_EQ(ReadClaimedSize(std::span(bytes.data(), 15)), std::nullopt);
+  }
+  EXPECT_EQ(ReadClaimedSize(FromText("P5 60000 60000 255 ")), std::nullopt);
+}
+
+TEST(ClaimedSize, ExceedsWithoutOverflow) {
+  constexpr uint64_t kHuge = ~uint64_t{0};
+  EXPECT_TRUE((ClaimedSize{kHuge, kHuge}.Exceeds(kHuge)));
+  EXPECT_TRUE((ClaimedSize{5, 21}.Exceeds(100)));
+  EXPECT_FALSE((ClaimedSize{5, 20}.Exceeds(100)));
+  EXPECT_FALSE((ClaimedSize{0, kHuge}.Exceeds(100)));
+  EXPECT_TRUE((ClaimedSize{200, 1}.Exceeds(100)));
+}
+
+}  // namespace
+}  // namespace rendal
