@@ -61,6 +61,22 @@ void ComponentSet::Unite(region* united) const {
   united->run_count = chords.size();
 }
 
+std::optional<size_t> ComponentSet::At(int32_t column, int32_t row) const {
+  for (size_t i = 0; i < size(); ++i) {
+    const region& component = (*this)[i];
+    const int32_t* const box = component.bbox;
+    if (row < box[0] || column < box[1] || row > box[2] || column > box[3]) {
+      continue;
+    }
+    bool found = false;
+    ForEachRun(component, [&](int32_t r, int32_t begin, int32_t end) {
+      found |= r == row && begin <= column && column <= end;
+    });
+    if (found) return i;
+  }
+  return std::nullopt;
+}
+
 const std::array<Feature, kFeatures>& Features() {
   // clang-format off
   static constexpr std::array<Feature, kFeatures> features = {{

@@ -36,6 +36,10 @@ class ComponentSet {
   // Number of component i among the children.
   int32_t ChildOf(size_t i) const { return m_kept[i]; }
 
+  // The one with a pixel there; none in the background.
+  // Cost: the number of components, then of one's runs.
+  std::optional<size_t> At(int32_t column, int32_t row) const;
+
   // Their pixels as one region, as ordered runs.
   void Unite(vexo::region* united) const;
 

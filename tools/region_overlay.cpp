@@ -149,4 +149,18 @@ std::vector<FeatureRow> FeatureRows(const ComponentSet& components,
   return rows;
 }
 
+std::string TabSeparated(std::span<const FeatureRow> rows) {
+  std::string text;
+  const auto add = [&text](const auto& cells) {
+    for (const auto& cell : cells) {
+      text += cell;
+      text += '\t';
+    }
+    text.replace(text.size() - 1, 1, "\r\n");
+  };
+  add(kFeatureColumns);
+  for (const FeatureRow& row : rows) add(row);
+  return text;
+}
+
 }  // namespace rendal

@@ -64,8 +64,12 @@ std::vector<OverlayItem> SingleRegionItems(const vexo::region& region);
 // One item per component, in order, coloured from the palette.
 std::vector<OverlayItem> ComponentItems(const ComponentSet& components);
 
-// id, area, ra, rb, phi, rect2_len1, rect2_len2, rect2_phi, circularity.
-using FeatureRow = std::array<std::string, 9>;
+inline constexpr std::array<const char*, 9> kFeatureColumns = {
+    "id",         "area",       "ra",        "rb",         "phi",
+    "rect2_len1", "rect2_len2", "rect2_phi", "circularity"};
+
+// One text for each of these columns.
+using FeatureRow = std::array<std::string, kFeatureColumns.size()>;
 
 inline constexpr size_t kMaxFeatureRows = 100;
 
@@ -74,6 +78,10 @@ inline constexpr size_t kMaxFeatureRows = 100;
 // the components carry.
 std::vector<FeatureRow> FeatureRows(const ComponentSet& components,
                                     size_t limit);
+
+// The column names and the rows as spreadsheets take them from the clipboard:
+// tabs between the cells, a carriage return and line feed behind every line.
+std::string TabSeparated(std::span<const FeatureRow> rows);
 
 }  // namespace rendal
 

@@ -118,6 +118,11 @@ struct Workbench {
     return !m_srcImage.empty() && m_srcImage.type() == CV_8UC1;
   }
 
+  // Whether the overlay is that of m_components.
+  bool ShowsComponents() const {
+    return m_lastRegion == nullptr && !m_regionOverlay.empty();
+  }
+
   // The image as the libraries take it: rows follow one another without a gap.
   // Shares the pixels of m_srcImage unless that is a part of a larger image.
   cv::Mat ImageWithoutPadding() const;

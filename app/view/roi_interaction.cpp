@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace rendal {
 namespace {
@@ -63,13 +64,26 @@ void PressLeft(const MouseEvent& event, const Workbench& workbench,
                ViewState& view) {
   view.pointerX = event.x;
   view.pointerY = event.y;
+  view.pressX = event.x;
+  view.pressY = event.y;
   view.dragging = true;
+  view.clicking = true;
   view.grabbed = kNothingGrabbed;
   const RoiShape* const shape = workbench.CurrentShape();
   // Shapes can be edited only while no results are shown.
   if (shape == nullptr || workbench.m_hideResults == 0) return;
   const int handle = HitHandle(*shape, view, event.x, event.y);
-  if (handle >= 0) view.grabbed = Grab(shape->kind, handle);
+  if (handle < 0) return;
+  view.grabbed = Grab(shape->kind, handle);
+  view.clicking = false;
+}
+
+// Whether a click ends.
+bool ReleaseLeft(ViewState& view) {
+  const bool clicked = view.dragging && view.clicking;
+  view.dragging = false;
+  view.clicking = false;
+  return clicked;
 }
 
 void Pan(const MouseEvent& event, ViewState& view) {
@@ -94,6 +108,10 @@ void Move(const MouseEvent& event, Workbench& workbench, ViewState& view) {
   // A button that is let go outside the view says so only here.
   if (!event.left_held) view.dragging = false;
   if (!view.dragging) return;
+  if (std::abs(event.x - view.pressX) >= kDragPx ||
+      std::abs(event.y - view.pressY) >= kDragPx) {
+    view.clicking = false;
+  }
   if (view.grabbed == kNothingGrabbed) {
     Pan(event, view);
   } else {
@@ -157,9 +175,10 @@ void MoveHandle(RoiShape& shape, int handle, cv::Point2f image) {
   }
 }
 
-void OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view) {
-  if (!workbench.HasImage() || !view.Contains(event.x, event.y)) return;
+bool OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view) {
+  if (!workbench.HasImage() || !view.Contains(event.x, event.y)) return false;
   const cv::Size image = workbench.m_srcImage.size();
+  bool clicked = false;
   switch (event.code) {
     case kMouseMove:
       Move(event, workbench, view);
@@ -168,7 +187,7 @@ void OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view) {
       PressLeft(event, workbench, view);
       break;
     case kLeftUp:
-      view.dragging = false;
+      clicked = ReleaseLeft(view);
       break;
     case kLeftDoubleClick:
       view.OneToOneAt(image, event.x, event.y);
@@ -178,9 +197,10 @@ void OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view) {
       view.ShowFit(image);
       break;
     default:
-      return;
+      return false;
   }
   workbench.RearmRedraw();
+  return clicked;
 }
 
 }  // namespace rendal

@@ -32,9 +32,13 @@ struct MouseEvent {
   bool left_held = true;  // asked of moves only
 };
 
+// A press that moves less than this along both axes is a click [view px].
+inline constexpr int kDragPx = 4;
+
 // Changes state only; events outside the view, without an image or of other
-// codes change nothing.
-void OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view);
+// codes change nothing. True when the event ends a click: the left button goes
+// up again after a press that grabbed nothing and was not dragged.
+bool OnMouse(const MouseEvent& event, Workbench& workbench, ViewState& view);
 
 // Points by which a shape is dragged, in image coordinates, in the order in
 // which they are hit-tested:

@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
+#include "app/view/axis_map.h"
+#include "app/view/highlight_painter.h"
 #include "app/view/result_painter.h"
 #include "app/view/roi_painter.h"
 
@@ -30,48 +31,6 @@ void FillPixels(unsigned char* to, int count, const double (&color)[4]) {
   }
 }
 
-// The image columns that the view's columns show, computed once per picture.
-// They never decrease from left to right.
-class ColumnMap {
- public:
-  ColumnMap(const ViewState& view, int image_width)
-      : m_zoom(view.zoom), m_offset(view.offsetX), m_columns(view.viewWidth) {
-    for (int u = 0; u < view.viewWidth; ++u) m_columns[u] = view.ImageColumn(u);
-    m_imageBegin = FirstAtLeast(0);
-    m_imageEnd = FirstAtLeast(image_width);
-  }
-
-  // View columns [ImageBegin(), ImageEnd()) show the image.
-  int ImageBegin() const { return m_imageBegin; }
-  int ImageEnd() const { return m_imageEnd; }
-  int operator[](int view_x) const { return m_columns[view_x]; }
-
-  // First view column that shows image column `column` or one to its right;
-  // the view's width when none does. Starts from the inverse of the mapping and
-  // corrects its rounding against the table, so it is exact.
-  int FirstAtLeast(int column) const {
-    const int width = static_cast<int>(m_columns.size());
-    const double guess = (column - 0.5) * m_zoom + m_offset;
-    int u = static_cast<int>(std::clamp(guess, 0.0, 1.0 * width));
-    while (u > 0 && m_columns[u - 1] >= column) --u;
-    while (u < width && m_columns[u] < column) ++u;
-    return u;
-  }
-
-  // Whether the view shows none of the image columns begin..end.
-  bool Misses(int begin, int end) const {
-    return m_columns.empty() || end < m_columns.front() ||
-           begin > m_columns.back();
-  }
-
- private:
-  double m_zoom;
-  double m_offset;
-  std::vector<int> m_columns;
-  int m_imageBegin = 0;
-  int m_imageEnd = 0;
-};
-
 // One row of the view, from one row of the image and the overlay's chords of
 // that row.
 class RowPainter {
@@ -79,7 +38,9 @@ class RowPainter {
   RowPainter(const Workbench& workbench, const ViewState& view)
       : m_image(workbench.m_srcImage),
         m_overlay(workbench.m_regionOverlay),
-        m_columns(view, workbench.m_srcImage.cols),
+        m_columns(AxisMap::Columns(view, 0, view.viewWidth)),
+        m_imageBegin(m_columns.FirstAtLeast(0)),
+        m_imageEnd(m_columns.FirstAtLeast(workbench.m_srcImage.cols)),
         m_width(view.viewWidth) {}
 
   void Paint(int image_row, unsigned char* to) const {
@@ -94,8 +55,7 @@ class RowPainter {
 
  private:
   void PaintImage(const unsigned char* from, unsigned char* to) const {
-    const int end = m_columns.ImageEnd();
-    for (int u = m_columns.ImageBegin(); u < end; ++u) {
+    for (int u = m_imageBegin; u < m_imageEnd; ++u) {
       std::memset(to + u * kChannels, from[m_columns[u]], kChannels);
     }
   }
@@ -112,7 +72,9 @@ class RowPainter {
 
   const cv::Mat& m_image;
   const RegionOverlay& m_overlay;
-  ColumnMap m_columns;
+  AxisMap m_columns;
+  int m_imageBegin;  // the view columns that show the image
+  int m_imageEnd;
   int m_width;
 };
 
@@ -154,6 +116,7 @@ std::optional<ReadOut> RefreshView(Workbench& workbench, const ViewState& view,
   if (workbench.m_redraw < 1 || !workbench.HasImage()) return std::nullopt;
   picture->create(view.viewHeight, view.viewWidth, CV_8UC3);
   PaintImageAndOverlay(workbench, view, *picture);
+  DrawHighlight(workbench.m_components, view, *picture);
   if (const RoiShape* shape = workbench.CurrentShape()) {
     DrawRoi(*shape, workbench.m_bandWidth, view, *picture);
   }

@@ -27,8 +27,8 @@ std::string FormatReadOut(const ReadOut& read_out);
 // and there is no value. Otherwise rebuilds *picture (8-bit, three channels,
 // the view's size; made so if it is not): black, the image by nearest
 // neighbour, every view pixel whose image pixel lies in a chord of the overlay,
-// the current region of interest, and the results unless they are hidden; then
-// negates the request.
+// the outlines of highlighted components, the current region of interest, and
+// the results unless they are hidden; then negates the request.
 //
 // Throws cv::Exception or std::bad_alloc when memory runs out; the request
 // stays then. Cost: proportional to the view's pixels plus the overlay's

@@ -22,6 +22,17 @@ float Relative(int view, float offset, float extent) {
   return (static_cast<float>(view) - offset) / extent;
 }
 
+// Offset that shows image positions first..last in the middle of the view, or
+// the present one if they are all in it.
+float OffsetShowing(int first, int last, float zoom, float offset, int view) {
+  // What an enlarged pixel covers beyond the view pixel at its middle.
+  const float beyond = std::max(0.0f, (zoom - 1) / 2);
+  const float low = static_cast<float>(first) * zoom + offset - beyond;
+  const float high = static_cast<float>(last) * zoom + offset + beyond;
+  if (low >= 0 && high < static_cast<float>(view)) return offset;
+  return std::round(offset + (static_cast<float>(view) - low - high) / 2);
+}
+
 float OffsetKeeping(int view, float relative, float extent) {
   return static_cast<float>(view - TruncateToInt(relative * extent + 0.5f));
 }
@@ -82,6 +93,11 @@ bool ViewState::WheelAt(cv::Size image, int view_x, int view_y, int delta) {
                                    : std::max(zoom * kWheelOutFactor, minZoom);
   ZoomAbout(image, view_x, view_y, new_zoom);
   return true;
+}
+
+void ViewState::BringIntoSight(cv::Point first, cv::Point last) {
+  offsetX = OffsetShowing(first.x, last.x, zoom, offsetX, viewWidth);
+  offsetY = OffsetShowing(first.y, last.y, zoom, offsetY, viewHeight);
 }
 
 void ViewState::ZoomAbout(cv::Size image, int view_x, int view_y,

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <opencv2/core.hpp>
+#include <vector>
 
 namespace rendal {
 
@@ -40,6 +41,12 @@ struct ViewState {
   // kNothingGrabbed, or the grabbed handle: shape kind in the high 16 bits,
   // handle number in the low 16.
   int32_t grabbed = kNothingGrabbed;
+  int32_t pressX = 0;  // last press [view px]
+  int32_t pressY = 0;
+  bool clicking = false;  // it has grabbed nothing and not been dragged since
+
+  // Numbers of the components that are outlined.
+  std::vector<int32_t> highlighted;
 
   bool Contains(int view_x, int view_y) const {
     return view_x >= 0 && view_y >= 0 && view_x < viewWidth &&
@@ -72,6 +79,9 @@ struct ViewState {
   // point under the cursor stays there. Nothing outside the view or for 0;
   // false then.
   bool WheelAt(cv::Size image, int view_x, int view_y, int delta);
+  // Pans, along each axis on its own, to have image columns and rows in the
+  // middle of the view, unless all of them are in it. The corners are included.
+  void BringIntoSight(cv::Point first, cv::Point last);
 
  private:
   void CenterAt(cv::Size image, float new_zoom);

@@ -24,6 +24,10 @@ class RoiInteraction : public testing::Test {
   }
 
   void Send(int code, int x, int y) { OnMouse({code, x, y}, m_bench, m_view); }
+  // Whether that is the end of a click.
+  bool Ends(int code, int x, int y) {
+    return OnMouse({code, x, y}, m_bench, m_view);
+  }
   float Value(int kind, int i) const {
     return m_bench.m_roiShapes[kind].values[i];
   }
@@ -264,6 +268,46 @@ TEST_F(RoiInteraction, RightAndMiddleDoubleClickFitTheView) {
     EXPECT_EQ(m_view.offsetY, 325);
     EXPECT_EQ(m_bench.m_redraw, 1);
   }
+}
+
+TEST_F(RoiInteraction, PressWithoutADragIsAClick) {
+  EXPECT_FALSE(Ends(kLeftDown, 500, 400));
+  EXPECT_FALSE(Ends(kMouseMove, 503, 397));
+  EXPECT_EQ(m_view.offsetX, 103);  // pans all the same
+  EXPECT_TRUE(Ends(kLeftUp, 503, 397));
+  EXPECT_FALSE(Ends(kLeftUp, 503, 397));
+}
+
+TEST_F(RoiInteraction, DragIsNoClickEvenWhenItComesBack) {
+  for (const cv::Point away : {cv::Point(504, 400), cv::Point(500, 396)}) {
+    Send(kLeftDown, 500, 400);
+    Send(kMouseMove, away.x, away.y);
+    Send(kMouseMove, 500, 400);
+    EXPECT_FALSE(Ends(kLeftUp, 500, 400)) << away;
+  }
+  Send(kLeftDown, 500, 400);
+  EXPECT_TRUE(Ends(kLeftUp, 500, 400));
+}
+
+TEST_F(RoiInteraction, PressOnAHandleIsNoClick) {
+  m_bench.m_toolMode = kToolLine;
+  const cv::Point2f start = m_view.ToView(Value(0, 0), Value(0, 1));
+  const int x = static_cast<int>(start.x);
+  const int y = static_cast<int>(start.y);
+  Send(kLeftDown, x, y);
+  ASSERT_NE(m_view.grabbed, kNothingGrabbed);
+  EXPECT_FALSE(Ends(kLeftUp, x, y));
+  m_bench.m_hideResults = 0;
+  Send(kLeftDown, x, y);
+  EXPECT_TRUE(Ends(kLeftUp, x, y));
+}
+
+// The system sends 1, 4, 7, 4.
+TEST_F(RoiInteraction, DoubleClickIsOneClick) {
+  EXPECT_FALSE(Ends(kLeftDown, 500, 400));
+  EXPECT_TRUE(Ends(kLeftUp, 500, 400));
+  EXPECT_FALSE(Ends(kLeftDoubleClick, 500, 400));
+  EXPECT_FALSE(Ends(kLeftUp, 500, 400));
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 
 #include <cstddef>
 
+#include "tools/blob_tool.h"
+#include "tools/console_text.h"
+
 namespace rendal {
 namespace {
 
@@ -113,6 +116,66 @@ TEST(Workbench, TwoChannelImageCountsAsNone) {
   EXPECT_FALSE(bench.HasImage());
   bench.m_srcImage = cv::Mat(2, 2, CV_8U);
   EXPECT_TRUE(bench.HasImage());
+}
+
+class ShownComponents : public ViewCommands {
+ protected:
+  // A square near the corner and one far off, at 100 % with the image at (0,
+  // 0).
+  ShownComponents() {
+    m_bench.m_srcImage.setTo(0);
+    m_bench.m_srcImage(cv::Rect(10, 20, 8, 8)).setTo(200);
+    m_bench.m_srcImage(cv::Rect(3000, 2000, 9, 9)).setTo(200);
+    m_view.zoom = 1;
+    m_view.offsetX = m_view.offsetY = 0;
+    Threshold(m_bench, {100, 255});
+    Connection(m_bench);
+    m_bench.m_redraw = -1;
+  }
+  const ConsoleCapture m_console;
+};
+
+TEST_F(ShownComponents, HighlightAsksForOnePicture) {
+  Highlight(m_bench, m_view, {1});
+  EXPECT_EQ(m_view.highlighted, std::vector<int32_t>{1});
+  EXPECT_EQ(m_bench.m_redraw, 1);
+  m_bench.m_redraw = -1;
+  Highlight(m_bench, m_view, {1});
+  EXPECT_EQ(m_bench.m_redraw, -1);
+  Highlight(m_bench, m_view, {});
+  EXPECT_EQ(m_bench.m_redraw, 1);
+}
+
+TEST_F(ShownComponents, ComponentOutOfSightIsScrolledTo) {
+  ShowComponent(m_bench, m_view, 0);
+  EXPECT_EQ(m_view.offsetX, 0);
+  ShowComponent(m_bench, m_view, 1);
+  EXPECT_EQ(m_view.ToView(3004, 2004), cv::Point2f(500, 400));
+  EXPECT_EQ(m_view.zoom, 1);
+  EXPECT_EQ(m_bench.m_redraw, 1);
+  m_bench.m_redraw = -1;
+  ShowComponent(m_bench, m_view, 2);  // there is none
+  EXPECT_EQ(m_bench.m_redraw, -1);
+}
+
+TEST_F(ShownComponents, ComponentIsFoundUnderAViewPixel) {
+  EXPECT_EQ(ComponentAt(m_bench, m_view, 17, 27), 0u);
+  EXPECT_EQ(ComponentAt(m_bench, m_view, 18, 27), std::nullopt);
+  m_view.zoom = 4;
+  m_view.offsetX = -12000 + 100;
+  m_view.offsetY = -8000 + 100;
+  EXPECT_EQ(ComponentAt(m_bench, m_view, 98, 98), 1u);
+  EXPECT_EQ(ComponentAt(m_bench, m_view, 97, 98), std::nullopt);
+}
+
+TEST_F(ShownComponents, NothingIsFoundWhileTheyAreNotShown) {
+  ASSERT_TRUE(ComponentAt(m_bench, m_view, 12, 22));
+  ClearDisplay(m_bench);
+  EXPECT_FALSE(ComponentAt(m_bench, m_view, 12, 22));
+  Connection(m_bench);
+  ASSERT_TRUE(ComponentAt(m_bench, m_view, 12, 22));
+  ApplyRegionOperation(m_bench, RegionOperation::kFillUp, {});
+  EXPECT_FALSE(ComponentAt(m_bench, m_view, 12, 22));
 }
 
 }  // namespace

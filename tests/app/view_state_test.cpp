@@ -215,5 +215,42 @@ TEST(ViewState, DocumentedNamesReferToTheOneInstance) {
   EXPECT_EQ(g_zoom, 1);
 }
 
+TEST(ViewState, WhatIsInSightStays) {
+  for (const float zoom : {0.25f, 1.0f, 8.0f}) {
+    ViewState view = View();
+    view.zoom = zoom;
+    view.offsetX = 0;
+    view.offsetY = std::floor((zoom - 1) / 2 + 1);
+    view.BringIntoSight({zoom > 1 ? 1 : 0, 0},
+                        {static_cast<int>(999 / zoom) - (zoom > 1 ? 1 : 0),
+                         static_cast<int>(780 / zoom)});
+    EXPECT_EQ(view.offsetX, 0) << zoom;
+    EXPECT_EQ(view.offsetY, std::floor((zoom - 1) / 2 + 1)) << zoom;
+  }
+}
+
+TEST(ViewState, WhatIsOutOfSightComesToTheMiddle) {
+  ViewState view = View();
+  view.zoom = 2;
+  view.offsetX = 10;
+  view.offsetY = 20;
+  view.BringIntoSight({700, 1}, {709, 3});
+  EXPECT_EQ(view.ToView(704.5f, 0).x, view.viewWidth / 2);
+  EXPECT_EQ(view.offsetY, 20);
+  view.BringIntoSight({700, -300}, {709, -300});
+  EXPECT_EQ(view.ToView(0, -300).y, view.viewHeight / 2);
+  // Larger than the view: its middle.
+  view.BringIntoSight({0, -300}, {1000, -300});
+  EXPECT_EQ(view.ToView(500, 0).x, view.viewWidth / 2);
+}
+
+TEST(ViewState, EnlargedPixelThatIsCutComesIntoSight) {
+  ViewState view = View();
+  view.zoom = 64;
+  view.BringIntoSight({0, 0}, {0, 0});  // its left half is hidden
+  EXPECT_EQ(view.ToView(0, 0),
+            cv::Point2f(view.viewWidth / 2.0f, view.viewHeight / 2.0f));
+}
+
 }  // namespace
 }  // namespace rendal

@@ -170,5 +170,34 @@ TEST(Features, ASquareHasTheValuesOfASquare) {
   EXPECT_FALSE(FeatureByName("Area"));
 }
 
+TEST_P(Components, EveryPixelHasItsComponentAndTheBackgroundNone) {
+  Connection(m_bench, {4, RegionSource::kBinarisation});
+  const ComponentSet& all = m_bench.m_components;
+  ASSERT_EQ(Areas(), (AreaList{60, 64, 64, 1}));
+  EXPECT_EQ(all.At(0, 5), 0u);
+  EXPECT_EQ(all.At(2, 24), 0u);
+  EXPECT_EQ(all.At(17, 17), 1u);
+  EXPECT_EQ(all.At(18, 18), 2u);
+  EXPECT_EQ(all.At(50, 30), 3u);
+  for (const cv::Point at : {cv::Point(3, 5), cv::Point(18, 17),
+                             cv::Point(50, 31), cv::Point(-1, 5)}) {
+    EXPECT_EQ(all.At(at.x, at.y), std::nullopt) << at;
+  }
+  EXPECT_EQ(ComponentSet().At(0, 0), std::nullopt);
+}
+
+// Within the bounding box of another one.
+TEST_P(Components, WhatLiesInAHoleIsFoundThere) {
+  m_bench.m_srcImage.setTo(0);
+  m_bench.m_srcImage(cv::Rect(5, 5, 20, 20)).setTo(200);
+  m_bench.m_srcImage(cv::Rect(10, 10, 10, 10)).setTo(0);
+  m_bench.m_srcImage(cv::Rect(14, 14, 2, 2)).setTo(200);
+  Threshold(m_bench, {100, 255});
+  Connection(m_bench);
+  EXPECT_EQ(m_bench.m_components.At(5, 14), 0u);
+  EXPECT_EQ(m_bench.m_components.At(12, 14), std::nullopt);
+  EXPECT_EQ(m_bench.m_components.At(15, 14), 1u);
+}
+
 }  // namespace
 }  // namespace rendal

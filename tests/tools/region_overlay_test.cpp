@@ -202,5 +202,17 @@ TEST(FeatureRows, LargestNumbersFit) {
   EXPECT_EQ(FeatureRows(components, 1)[0][2].size(), 1 + 309 + 5u);
 }
 
+TEST(TabSeparated, HasTheColumnNamesAndALineForEachRow) {
+  EXPECT_EQ(TabSeparated({}),
+            "id\tarea\tra\trb\tphi\trect2_len1\trect2_len2\trect2_phi\t"
+            "circularity\r\n");
+  const std::vector<FeatureRow> rows = {
+      {"1", "25", "2.5", "", "0", "2", "2", "0", "0.6366"},
+      {"2", "9", "1.5", "1", "0", "1", "1", "0", "0.5"}};
+  EXPECT_EQ(TabSeparated(rows), TabSeparated({}) +
+                                    "1\t25\t2.5\t\t0\t2\t2\t0\t0.6366\r\n" +
+                                    "2\t9\t1.5\t1\t0\t1\t1\t0\t0.5\r\n");
+}
+
 }  // namespace
 }  // namespace rendal
