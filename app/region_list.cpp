@@ -20,6 +20,7 @@ constexpr int kTitleMarginPx = 4;
 
 BEGIN_MESSAGE_MAP(CRegionList, CListCtrl)
 ON_NOTIFY_REFLECT(NM_CUSTOMDRAW, &CRegionList::OnCustomDraw)
+ON_NOTIFY_REFLECT(LVN_KEYDOWN, &CRegionList::OnKeyDown)
 END_MESSAGE_MAP()
 
 void CRegionList::Build() {
@@ -33,19 +34,17 @@ void CRegionList::Build() {
 void CRegionList::InsertColumns() {
   InsertColumn(0, L"", LVCFMT_LEFT, 0);
   int index = 1;
-  for (const ui_text::Column& column : ui_text::kRegionColumns) {
-    InsertColumn(index++, column.title, LVCFMT_CENTER, column.width);
+  for (const int width : ui_text::kRegionColumnWidths) {
+    const char* const title = rendal::kFeatureColumns[index - 1];
+    InsertColumn(index++, rendal::FromUtf8(title), LVCFMT_CENTER, width);
   }
   DeleteColumn(0);
   Header_SetBitmapMargin(ListView_GetHeader(GetSafeHwnd()), kTitleMarginPx);
 }
 
 void CRegionList::ShowHorizontalScrollBar() {
-  const int columns = std::accumulate(
-      ui_text::kRegionColumns.begin(), ui_text::kRegionColumns.end(), 0,
-      [](int sum, const ui_text::Column& column) {
-        return sum + column.width;
-      });
+  const int columns = std::accumulate(ui_text::kRegionColumnWidths.begin(),
+                                      ui_text::kRegionColumnWidths.end(), 0);
   CRect place;
   GetWindowRect(&place);
   SCROLLINFO bar = {};
@@ -58,9 +57,11 @@ void CRegionList::ShowHorizontalScrollBar() {
 }
 
 void CRegionList::Show(std::span<const rendal::FeatureRow> rows) {
+  m_rows.assign(rows.begin(), rows.end());
+  m_isBeingSet = true;
   SetRedraw(FALSE);
   DeleteAllItems();
-  for (int item = 0; item < static_cast<int>(rows.size()); ++item) {
+  for (int item = 0; item < static_cast<int>(m_rows.size()); ++item) {
     InsertItem(item, rendal::FromUtf8(rows[item][0]));
     for (int column = 1; column < static_cast<int>(rows[item].size());
          ++column) {
@@ -68,7 +69,45 @@ void CRegionList::Show(std::span<const rendal::FeatureRow> rows) {
     }
   }
   SetRedraw(TRUE);
+  m_isBeingSet = false;
   Invalidate();
+}
+
+void CRegionList::SelectOnly(std::optional<size_t> row) {
+  m_isBeingSet = true;
+  SetItemState(-1, 0, LVIS_SELECTED);
+  if (row && *row < m_rows.size()) {
+    const int item = static_cast<int>(*row);
+    constexpr UINT kCurrent = LVIS_SELECTED | LVIS_FOCUSED;
+    SetItemState(item, kCurrent, kCurrent);
+    EnsureVisible(item, FALSE);
+  }
+  m_isBeingSet = false;
+}
+
+std::vector<int32_t> CRegionList::SelectedRows() const {
+  std::vector<int32_t> rows;
+  for (int item = GetNextItem(-1, LVNI_SELECTED); item >= 0;
+       item = GetNextItem(item, LVNI_SELECTED)) {
+    rows.push_back(item);
+  }
+  return rows;
+}
+
+std::vector<rendal::FeatureRow> CRegionList::RowsToCopy() const {
+  const std::vector<int32_t> selected = SelectedRows();
+  if (selected.empty()) return m_rows;
+  std::vector<rendal::FeatureRow> rows;
+  for (const int32_t row : selected) rows.push_back(m_rows[row]);
+  return rows;
+}
+
+void CRegionList::OnKeyDown(NMHDR* header, LRESULT* result) {
+  *result = 0;
+  const auto& key = *reinterpret_cast<NMLVKEYDOWN*>(header);
+  if (key.wVKey == 'C' && ::GetKeyState(VK_CONTROL) < 0) {
+    GetParent()->SendMessage(WM_COMMAND, IDM_COPY_ROWS);
+  }
 }
 
 // Some systems draw the first column's cells to the left whatever the column

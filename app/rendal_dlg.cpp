@@ -72,16 +72,31 @@ BEGIN_MESSAGE_MAP(CRendalDlg, CDialogEx)
   ON_WM_CLOSE()
   ON_BN_CLICKED(IDC_FIND_LINE,     &CRendalDlg::OnFindLine)
   ON_BN_CLICKED(IDC_CLEAR_CONSOLE, &CRendalDlg::OnClearConsole)
+  // Beyond the buttons
+  ON_WM_DROPFILES()
+  ON_WM_CONTEXTMENU()
+  ON_NOTIFY(LVN_ITEMCHANGED, IDC_REGION_LIST, &CRendalDlg::OnRegionListChanged)
+  ON_COMMAND(IDM_COPY_ROWS,        &CRendalDlg::OnCopyRows)
+  ON_COMMAND(IDM_EXPORT,           &CRendalDlg::OnExport)
+  // In the system menu
+  ON_COMMAND(IDM_SAVE_PICTURE,     &CRendalDlg::OnSavePicture)
+  ON_COMMAND(IDM_RECORD_RECIPE,    &CRendalDlg::OnRecordRecipe)
+  ON_COMMAND(IDM_SAVE_RECIPE,      &CRendalDlg::OnSaveRecipe)
+  ON_COMMAND(IDM_RUN_RECIPE,       &CRendalDlg::OnRunRecipe)
 END_MESSAGE_MAP()
 // clang-format on
 
 CRendalDlg::CRendalDlg(CWnd* parent)
-    : CDialogEx(IDD, parent), m_hIcon(AfxGetApp()->LoadIcon(IDR_MAINFRAME)) {
+    : CDialogEx(IDD, parent),
+      m_hIcon(AfxGetApp()->LoadIcon(IDR_MAINFRAME)),
+      m_accelerators(::LoadAcceleratorsW(AfxGetResourceHandle(),
+                                         MAKEINTRESOURCEW(IDR_ACCELERATORS))) {
   m_loadBrush.CreateSolidBrush(kLoadButtonColor);
 }
 
 BOOL CRendalDlg::OnInitDialog() {
   CDialogEx::OnInitDialog();
+  m_recentFiles = std::make_unique<rendal::RecentFiles>(m_settingsKey);
   ExtendSystemMenu();
   SetIcon(m_hIcon, TRUE);
   SetIcon(m_hIcon, FALSE);
@@ -101,6 +116,7 @@ BOOL CRendalDlg::OnInitDialog() {
   StartRefresh();
   ShowWelcome();
   NameIgnoredOptions();
+  DragAcceptFiles();
   LoadStartImage();
   return TRUE;
 }
@@ -132,7 +148,8 @@ void CRendalDlg::LoadStartImage() {
 // The caller of every command handler. A tool that throws ends in the status
 // label; the console gets what the handler printed.
 BOOL CRendalDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
-  if (HIWORD(wParam) == 0) rendal::console::EndSelection();
+  // Accelerators have the code 1, but no control either.
+  if (HIWORD(wParam) == 0 || lParam == 0) rendal::console::EndSelection();
   BOOL handled = TRUE;
   ShowStatus(rendal::Guarded([&] {
     handled = CDialogEx::OnCommand(wParam, lParam);
@@ -152,6 +169,11 @@ void CRendalDlg::OnSysCommand(UINT id, LPARAM lParam) {
     CAboutDlg(m_language, this).DoModal();
   } else if (command == IDM_LANGUAGE) {
     SwitchLanguage();
+  } else if (command >= IDM_SAVE_PICTURE && command <= IDM_RUN_RECIPE) {
+    SendMessage(WM_COMMAND, command);
+  } else if (command >= IDM_RECENT_FIRST && command <= IDM_RECENT_LAST) {
+    OpenRecent((command - IDM_RECENT_FIRST) / IDM_SYSTEM_STEP);
+    std::fflush(stdout);
   } else {
     CDialogEx::OnSysCommand(id, lParam);
   }

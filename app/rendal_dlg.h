@@ -7,19 +7,27 @@
 #include <afxwin.h>
 
 #include <filesystem>
+#include <memory>
 #include <opencv2/core.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/load_button.h"
+#include "app/recent_files.h"
 #include "app/region_list.h"
 #include "controls/label.h"
 #include "controls/num_spin_ctrl.h"
+#include "recipes/recipe.h"
 #include "res/resource.h"
 #include "tools/blob_tool.h"
 #include "tools/caliper_tool.h"
 #include "tools/status.h"
 #include "tools/workbench.h"
+
+namespace rendal::ui_text {
+struct Text;
+}
 
 // The program's only main window: image view, caliper group, blob group, status
 // row. What the tools share is the Workbench part; this class adds the window.
@@ -29,6 +37,9 @@
 //   rendal_dlg_language.cpp  what reads differently in the two languages
 //   rendal_dlg_tools.cpp     handlers that call tools/
 //   rendal_dlg_view.cpp      image window and handlers that call app/view/
+//   rendal_dlg_files.cpp     image files, and keys
+//   rendal_dlg_results.cpp   what of the results is outlined, copied, written
+//   rendal_dlg_recipe.cpp    steps: done, recorded, done again
 //
 // Handlers read controls, call a tool and show its status. None of them draws;
 // the refresh timer does.
@@ -39,10 +50,13 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   explicit CRendalDlg(CWnd* parent = nullptr);
 
   BOOL DestroyWindow() override;
+  BOOL PreTranslateMessage(MSG* message) override;
 
   cv::Mat m_viewImage;                 // what the image view shows
   std::filesystem::path m_startImage;  // loaded after start-up, if not empty
   std::vector<std::wstring> m_ignoredOptions;  // named on the console
+  // The user's settings, below HKEY_CURRENT_USER.
+  std::wstring m_settingsKey = L"Software\\Rendal";
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override;
@@ -58,8 +72,11 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   afx_msg HBRUSH OnCtlColor(CDC* dc, CWnd* control, UINT kind);
   afx_msg void OnClose();
 
-  // View
+  // Files
   afx_msg void OnLoadImage();
+  afx_msg void OnDropFiles(HDROP drop);
+
+  // View
   afx_msg BOOL OnMouseWheel(UINT flags, short delta, CPoint point);
   afx_msg void OnTimer(UINT_PTR id);
   afx_msg void OnZoomOne();
@@ -82,6 +99,18 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
     ApplyOperation(operation);
   }
   afx_msg void OnElementChanged();
+  // Results
+  afx_msg void OnRegionListChanged(NMHDR* header, LRESULT* result);
+  afx_msg void OnContextMenu(CWnd* window, CPoint point);
+  afx_msg void OnCopyRows();
+  afx_msg void OnExport();
+  afx_msg void OnSavePicture();
+
+  // Recipes
+  afx_msg void OnRecordRecipe();
+  afx_msg void OnSaveRecipe();
+  afx_msg void OnRunRecipe();
+
   afx_msg void OnClearConsole();
   afx_msg void OnUnused();
 
@@ -112,7 +141,22 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   void TellWelcome();
   CString AboutCommand() const;
 
+  void AppendRecentFiles(CMenu& menu);
+
   void LoadFile(const std::filesystem::path& path);
+  bool LoadIfThere(const std::filesystem::path& path);
+  void OpenRecent(size_t index);
+  void ShowRows(const std::vector<rendal::FeatureRow>& rows);
+  void HighlightNothing();
+  void OnViewClicked(int x, int y);
+  std::optional<std::filesystem::path> AskWhereToSave(
+      const rendal::ui_text::Text& title, const wchar_t* extension,
+      const wchar_t* filter);
+  bool DoStep(const rendal::Step& step);
+  void Record(const rendal::Step& step);
+  std::vector<rendal::Step> RecordedSteps() const;
+  void RunRecipe(const std::filesystem::path& path);
+  void ShowParametersOf(const rendal::Step& step);
   void SetToolMode(rendal::ToolMode mode);
   void ApplyOperation(rendal::RegionOperation operation);
   void Refresh();
@@ -123,7 +167,15 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   rendal::CaliperParameters ReadCaliperParameters() const;
   void ShowStatus(const rendal::Status& status);
 
+  bool m_isRecording = false;
+  std::vector<rendal::Step> m_recorded;
+  std::vector<rendal::Step> m_binarisations;  // that the history holds
+  std::vector<rendal::Step>
+      m_recordedFrom;  // the same at the recording's start
+
   HICON m_hIcon;
+  HACCEL m_accelerators;  // a resource: freed with the program
+  std::unique_ptr<rendal::RecentFiles> m_recentFiles;
   CBrush m_loadBrush;
   std::vector<CString> m_chineseCaptions;  // the template's
   rendal::Status m_shownStatus;

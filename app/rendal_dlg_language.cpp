@@ -29,12 +29,38 @@ void CRendalDlg::ExtendSystemMenu() {
   CMenu* menu = GetSystemMenu(FALSE);
   if (menu == nullptr) return;
   menu->AppendMenu(MF_SEPARATOR);
+  menu->AppendMenu(MF_STRING, IDM_SAVE_PICTURE,
+                   ui_text::kSavePicture.In(m_language));
+  AppendRecentFiles(*menu);
+  menu->AppendMenu(MF_SEPARATOR);
+  menu->AppendMenu(m_isRecording ? MF_CHECKED : MF_STRING, IDM_RECORD_RECIPE,
+                   ui_text::kRecordRecipe.In(m_language));
+  menu->AppendMenu(MF_STRING, IDM_SAVE_RECIPE,
+                   ui_text::kSaveRecipe.In(m_language));
+  menu->AppendMenu(MF_STRING, IDM_RUN_RECIPE,
+                   ui_text::kRunRecipe.In(m_language));
+  menu->AppendMenu(MF_SEPARATOR);
   menu->AppendMenu(MF_STRING, IDM_LANGUAGE,
                    ui_text::kOtherLanguage.In(m_language));
   const CString about = AboutCommand();
   if (about.IsEmpty()) return;
   menu->AppendMenu(MF_SEPARATOR);
   menu->AppendMenu(MF_STRING, IDM_ABOUTBOX, about);
+}
+
+void CRendalDlg::AppendRecentFiles(CMenu& menu) {
+  CMenu files;
+  files.CreatePopupMenu();
+  const std::vector<std::wstring>& paths = m_recentFiles->Paths();
+  for (size_t i = 0; i < paths.size(); ++i) {
+    const std::wstring text =
+        L"&" + std::to_wstring(i + 1) + L"  " + rendal::MenuTextOf(paths[i]);
+    files.AppendMenu(MF_STRING, IDM_RECENT_FIRST + i * IDM_SYSTEM_STEP,
+                     text.c_str());
+  }
+  menu.AppendMenu(MF_POPUP | (paths.empty() ? MF_GRAYED : 0),
+                  reinterpret_cast<UINT_PTR>(files.Detach()),
+                  ui_text::kRecentFiles.In(m_language));
 }
 
 CString CRendalDlg::AboutCommand() const {
@@ -60,12 +86,10 @@ void CRendalDlg::ShowTitle() {
   SetWindowText(title);
 }
 
+// Back to the system's own items, then ours anew.
 void CRendalDlg::ShowSystemMenu() {
-  CMenu* menu = GetSystemMenu(FALSE);
-  if (menu == nullptr) return;
-  menu->ModifyMenu(IDM_LANGUAGE, MF_BYCOMMAND, IDM_LANGUAGE,
-                   ui_text::kOtherLanguage.In(m_language));
-  menu->ModifyMenu(IDM_ABOUTBOX, MF_BYCOMMAND, IDM_ABOUTBOX, AboutCommand());
+  GetSystemMenu(TRUE);
+  ExtendSystemMenu();
 }
 
 void CRendalDlg::ShowCaptions() {

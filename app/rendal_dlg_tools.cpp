@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// Handlers that call tools/: read controls, call, show the status.
+// Handlers of the tools: read the controls, do the step.
 #include <algorithm>
 
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
-#include "tools/line_finder.h"
 
 namespace ui_text = rendal::ui_text;
 
@@ -56,13 +55,11 @@ rendal::OperationParameters CRendalDlg::ReadOperationParameters() const {
 }
 
 void CRendalDlg::OnThreshold() {
-  ShowStatus(rendal::Threshold(*this, ReadGrayBand()));
+  DoStep(rendal::ThresholdStep{ReadGrayBand()});
 }
 
 void CRendalDlg::OnConnection() {
-  const rendal::ConnectionReport report = rendal::Connection(*this);
-  ShowStatus(report.status);
-  if (report.rows) m_regionList.Show(*report.rows);
+  DoStep(rendal::ConnectionStep{rendal::ConnectionParameters{}});
 }
 
 void CRendalDlg::OnToggleGray() {
@@ -72,8 +69,8 @@ void CRendalDlg::OnToggleGray() {
 }
 
 void CRendalDlg::ApplyOperation(rendal::RegionOperation operation) {
-  ShowStatus(rendal::ApplyRegionOperation(*this, operation,
-                                          ReadOperationParameters()));
+  DoStep(rendal::OperationStep{operation, ReadOperationParameters(),
+                               rendal::RegionSource::kBinarisation});
 }
 
 void CRendalDlg::OnElementChanged() { UpdateElementControls(); }
@@ -92,9 +89,11 @@ rendal::CaliperParameters CRendalDlg::ReadCaliperParameters() const {
 }
 
 void CRendalDlg::OnMeasure() {
-  rendal::Measure(*this, ReadCaliperParameters());
+  const rendal::RoiShape* const roi = CurrentShape();
+  if (roi != nullptr)
+    DoStep(rendal::MeasureStep{*roi, ReadCaliperParameters()});
 }
 
 void CRendalDlg::OnFindLine() {
-  rendal::FindLine(*this, m_findLineDisplay.GetCurSel());
+  DoStep(rendal::FindLineStep{m_findLineDisplay.GetCurSel()});
 }

@@ -1,21 +1,16 @@
 // SPDX-License-Identifier: MIT
 //
 // The image view: its window, and handlers that call app/view/.
-#include <afxdlgs.h>
-
 #include <opencv2/highgui.hpp>
 
 #include "app/image_window.h"
 #include "app/rendal_dlg.h"
 #include "app/text.h"
-#include "app/ui_text.h"
-#include "app/view/image_loader.h"
 #include "app/view/roi_interaction.h"
 #include "app/view/view_commands.h"
 #include "app/view/view_globals.h"
 #include "app/view/view_painter.h"
 
-namespace ui_text = rendal::ui_text;
 using rendal::g_view;
 
 namespace {
@@ -31,23 +26,12 @@ void CRendalDlg::CreateImageWindow() {
                           this);
 }
 
-void CRendalDlg::OnViewMouse(int event, int x, int y, int flags,
-                             void* dialog) {
+void CRendalDlg::OnViewMouse(int event, int x, int y, int flags, void* dialog) {
+  auto& self = *static_cast<CRendalDlg*>(dialog);
   const bool leftHeld = (flags & cv::EVENT_FLAG_LBUTTON) != 0;
-  rendal::OnMouse({event, x, y, leftHeld}, *static_cast<CRendalDlg*>(dialog),
-                  g_view);
-}
-
-void CRendalDlg::OnLoadImage() {
-  CFileDialog dialog(TRUE, nullptr, nullptr, OFN_HIDEREADONLY | OFN_NOCHANGEDIR,
-                     ui_text::kImageFilter, this);
-  dialog.m_ofn.lpstrTitle = ui_text::kOpenTitle.In(m_language);
-  if (dialog.DoModal() == IDOK) LoadFile(dialog.GetPathName().GetString());
-}
-
-void CRendalDlg::LoadFile(const std::filesystem::path& path) {
-  ShowStatus(rendal::Guarded(
-      [&] { return rendal::LoadImageFile(path, *this, g_view); }));
+  if (rendal::OnMouse({event, x, y, leftHeld}, self, g_view)) {
+    self.OnViewClicked(x, y);
+  }
 }
 
 void CRendalDlg::OnZoomOne() { rendal::ZoomOne(*this, g_view); }
@@ -66,7 +50,10 @@ void CRendalDlg::SetToolMode(rendal::ToolMode mode) {
   rendal::SelectToolMode(*this, mode);
 }
 
-void CRendalDlg::OnClearDisplay() { ShowStatus(rendal::ClearDisplay(*this)); }
+void CRendalDlg::OnClearDisplay() {
+  ShowStatus(rendal::ClearDisplay(*this));
+  HighlightNothing();
+}
 
 void CRendalDlg::OnWidthChanged() {
   m_bandWidth = m_width.GetPos();

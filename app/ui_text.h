@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "res/resource.h"
+#include "tools/region_overlay.h"
 #include "tools/workbench.h"
 
 namespace rendal::ui_text {
@@ -51,6 +52,27 @@ inline constexpr Text kWelcome = {L"欢迎来到我的博客！\n\n",
 // System menu. The item that changes the language names the other one in its
 // own words, for whoever cannot read this one.
 inline constexpr Text kOtherLanguage = {L"English(&E)", L"中文(&C)"};
+
+inline constexpr Text kSavePicture = {L"保存图像(&S)...\tCtrl+S",
+                                      L"&Save picture...\tCtrl+S"};
+inline constexpr Text kRecordRecipe = {L"录制(&T)", L"Recor&d recipe"};
+inline constexpr Text kSaveRecipe = {L"保存(&V)...", L"Sa&ve recipe..."};
+inline constexpr Text kRunRecipe = {L"运行(&U)...", L"R&un recipe..."};
+inline constexpr Text kRecentFiles = {L"最近的文件(&R)", L"&Recent files"};
+
+// Titles and kinds of files to be written or read
+inline constexpr Text kSavePictureTitle = {L"保存图像", L"Save picture"};
+inline constexpr Text kExportTitle = {L"导出连通域", L"Export components"};
+inline constexpr Text kSaveRecipeTitle = {L"保存配方", L"Save recipe"};
+inline constexpr Text kRunRecipeTitle = {L"运行配方", L"Run recipe"};
+// Patterns of one kind would make the system add that kind to every name.
+inline constexpr wchar_t kPictureFilter[] = L"PNG, JPEG, BMP, TIFF|*.*||";
+inline constexpr wchar_t kTableFilter[] = L"CSV, JSON|*.*||";
+inline constexpr wchar_t kRecipeFilter[] = L"JSON (*.json)|*.json||";
+
+// Menu of the region list
+inline constexpr Text kExport = {L"导出(&E)...", L"&Export..."};
+inline constexpr Text kCopyRows = {L"复制(&C)\tCtrl+C", L"&Copy\tCtrl+C"};
 
 // About: the Chinese texts are in the template and the string table.
 inline constexpr wchar_t kAboutMenuEnglish[] = L"&About Rendal...";
@@ -98,22 +120,9 @@ inline constexpr Caption kCaptions[] = {
 };
 // clang-format on
 
-// Columns of the region list
-struct Column {
-  const wchar_t* title;
-  int width;  // [px]
-};
-
-inline constexpr std::array<Column, 9> kRegionColumns = {
-    {{L"id", 40},
-     {L"area", 80},
-     {L"ra", 100},
-     {L"rb", 100},
-     {L"phi", 100},
-     {L"rect2_len1", 100},
-     {L"rect2_len2", 100},
-     {L"rect2_phi", 100},
-     {L"circularity", 80}}};
+// Widths of the region list's columns [px]
+inline constexpr std::array<int, kFeatureColumns.size()> kRegionColumnWidths = {
+    40, 80, 100, 100, 100, 100, 100, 100, 80};
 
 }  // namespace rendal::ui_text
 

@@ -284,6 +284,8 @@ class CommandLine {
             "rendal-cli") {
     m_app.set_version_flag("--version", "rendal-cli " RENDAL_VERSION);
     m_app.require_subcommand(1);
+    // A path may begin with a slash on Windows, too.
+    m_app.allow_windows_style_options(false);
     AddBlobCommand(m_app, m_blob);
     AddMeasureCommand(m_app, m_measure);
     AddFindLinesCommand(m_app, m_findLines);

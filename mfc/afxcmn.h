@@ -27,6 +27,21 @@ class CListCtrl : public CWnd {
   UINT GetItemState(int item, UINT mask) const {
     return ListView_GetItemState(m_hWnd, item, mask);
   }
+  // For item -1: of all items.
+  BOOL SetItemState(int item, UINT state, UINT mask) {
+    LVITEM change{};
+    change.state = state;
+    change.stateMask = mask;
+    return ::SendMessageW(m_hWnd, LVM_SETITEMSTATE, item,
+                          reinterpret_cast<LPARAM>(&change)) != 0;
+  }
+  // The next one behind `item` that has all of the LVNI_ flags; -1: none.
+  int GetNextItem(int item, int flags) const {
+    return ListView_GetNextItem(m_hWnd, item, flags);
+  }
+  BOOL EnsureVisible(int item, BOOL partial_is_enough) {
+    return ListView_EnsureVisible(m_hWnd, item, partial_is_enough);
+  }
   // LVIR_LABEL gives the cell's own rectangle, for the first column too.
   BOOL GetSubItemRect(int item, int sub_item, int area, CRect& rect) const {
     return ListView_GetSubItemRect(m_hWnd, item, sub_item, area, &rect);

@@ -5,12 +5,14 @@
 
 #include "afxwin.h"
 
-// The system's file-open dialog.
+// The system's dialogs for opening a file and for saving one.
 class CFileDialog : public CDialog {
  public:
-  // `filter`: pairs of description and patterns, each ended by '|', and one
-  // more '|' at the end. Only the opening form exists here, and of the flags
-  // only those of the one use: read-only box hidden, current folder kept.
+  // `open`: FALSE for saving. `filter`: pairs of description and patterns, each
+  // ended by '|', and one more '|' at the end. `default_extension` (without a
+  // point) goes behind a name without one, or that of the filter chosen. Of the
+  // flags only those of the two uses exist here: read-only box hidden, current
+  // folder kept, a question before a file is overwritten.
   explicit CFileDialog(BOOL open, LPCTSTR default_extension = nullptr,
                        LPCTSTR file_name = nullptr,
                        DWORD flags = OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT,
@@ -25,6 +27,8 @@ class CFileDialog : public CDialog {
   CString GetPathName() const { return m_path; }
 
  private:
+  BOOL m_bOpenFileDialog;
+  CString m_extension;
   CString m_fileName;
   CString m_filter;
   CString m_path;

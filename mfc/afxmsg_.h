@@ -68,6 +68,10 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
 
 // Window messages
 #define ON_WM_CLOSE() {WM_CLOSE, 0, 0, 0, AFX_CALL_(pThis->OnClose())},
+#define ON_WM_CONTEXTMENU()                                               \
+  {WM_CONTEXTMENU, 0, 0, 0, AFX_CALL_(pThis->OnContextMenu(               \
+      CWnd::FromHandle(reinterpret_cast<HWND>(m.wParam)),                 \
+      CPoint(m.lParam)))},
 #define ON_WM_CREATE()                                                    \
   {WM_CREATE, 0, 0, 0, AFX_CALL_(*result = pThis->OnCreate(               \
       reinterpret_cast<LPCREATESTRUCT>(m.lParam)))},
@@ -81,6 +85,9 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
   {WM_DRAWITEM, 0, 0, 0, AFX_CALL_(*result = TRUE;                        \
       pThis->OnDrawItem(static_cast<int>(m.wParam),                       \
                         reinterpret_cast<LPDRAWITEMSTRUCT>(m.lParam)))},
+#define ON_WM_DROPFILES()                                                 \
+  {WM_DROPFILES, 0, 0, 0, AFX_CALL_(                                      \
+      pThis->OnDropFiles(reinterpret_cast<HDROP>(m.wParam)))},
 #define ON_WM_ERASEBKGND()                                                \
   {WM_ERASEBKGND, 0, 0, 0, AFX_CALL_(*result = pThis->OnEraseBkgnd(       \
       CDC::FromHandle(reinterpret_cast<HDC>(m.wParam))))},
@@ -119,6 +126,7 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
           m.wParam, m.lParam))},
 
 // Commands and control notifications
+constexpr int CN_COMMAND = 0;
 #define ON_COMMAND(id, member) ON_CONTROL(0, id, member)
 #define ON_CONTROL(code, id, member)                                      \
   {WM_COMMAND, static_cast<WORD>(code), static_cast<WORD>(id),            \
@@ -130,6 +138,12 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
 #define ON_BN_CLICKED(id, member) ON_CONTROL(BN_CLICKED, id, member)
 #define ON_EN_CHANGE(id, member) ON_CONTROL(EN_CHANGE, id, member)
 #define ON_CBN_SELCHANGE(id, member) ON_CONTROL(CBN_SELCHANGE, id, member)
+
+#define ON_NOTIFY(code, id, member)                                       \
+  {WM_NOTIFY, static_cast<UINT>(code), static_cast<WORD>(id),             \
+   static_cast<WORD>(id), AFX_CALL_(                                      \
+       AFX_MEMBER_(member, void, NMHDR*, LRESULT*)(                       \
+           reinterpret_cast<NMHDR*>(m.lParam), result))},
 
 // Reflected: the control handles what it sends to its parent.
 #define ON_NOTIFY_REFLECT(code, member)                                   \

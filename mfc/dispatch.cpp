@@ -126,8 +126,9 @@ BOOL CWnd::OnCommand(WPARAM w, LPARAM l) {
   const HWND control = reinterpret_cast<HWND>(l);
   LRESULT result = 0;
   if (control != nullptr && ReflectLastMsg(control, &result)) return TRUE;
-  return OnCmdMsg(id, HIWORD(w), MSG{m_hWnd, WM_COMMAND, w, l, 0, {0, 0}},
-                  &result);
+  // Menus and accelerators have no control and differ in the code only.
+  const int code = control != nullptr ? HIWORD(w) : CN_COMMAND;
+  return OnCmdMsg(id, code, MSG{m_hWnd, WM_COMMAND, w, l, 0, {0, 0}}, &result);
 }
 
 BOOL CWnd::OnNotify(WPARAM w, LPARAM l, LRESULT* result) {

@@ -51,7 +51,7 @@ std::vector<CString> SplitFilter(const CString& filter) {
   return parts;
 }
 
-void SetFileTypes(IFileOpenDialog* dialog, const CString& filter) {
+void SetFileTypes(IFileDialog* dialog, const CString& filter) {
   const std::vector<CString> parts = SplitFilter(filter);
   std::vector<COMDLG_FILTERSPEC> types;
   for (size_t i = 0; i + 1 < parts.size(); i += 2) {
@@ -62,7 +62,7 @@ void SetFileTypes(IFileOpenDialog* dialog, const CString& filter) {
   }
 }
 
-CString ChosenPath(IFileOpenDialog* dialog) {
+CString ChosenPath(IFileDialog* dialog) {
   ComPointer<IShellItem> item;
   LPWSTR text = nullptr;
   if (FAILED(dialog->GetResult(item.Receive())) ||
@@ -76,26 +76,31 @@ CString ChosenPath(IFileOpenDialog* dialog) {
 
 }  // namespace
 
-CFileDialog::CFileDialog(BOOL open, LPCTSTR, LPCTSTR file_name, DWORD,
-                         LPCTSTR filter, CWnd* parent)
-    : m_fileName(file_name), m_filter(filter), m_pParent(parent) {
-  ASSERT(open);
-  static_cast<void>(open);
-}
+CFileDialog::CFileDialog(BOOL open, LPCTSTR default_extension,
+                         LPCTSTR file_name, DWORD, LPCTSTR filter, CWnd* parent)
+    : m_bOpenFileDialog(open),
+      m_extension(default_extension),
+      m_fileName(file_name),
+      m_filter(filter),
+      m_pParent(parent) {}
 
 INT_PTR CFileDialog::DoModal() {
   const ComApartment apartment;
-  ComPointer<IFileOpenDialog> dialog;
-  if (FAILED(::CoCreateInstance(CLSID_FileOpenDialog, nullptr,
-                                CLSCTX_INPROC_SERVER, IID_IFileOpenDialog,
+  ComPointer<IFileDialog> dialog;
+  const CLSID& kind =
+      m_bOpenFileDialog ? CLSID_FileOpenDialog : CLSID_FileSaveDialog;
+  if (FAILED(::CoCreateInstance(kind, nullptr, CLSCTX_INPROC_SERVER,
+                                IID_IFileDialog,
                                 reinterpret_cast<void**>(dialog.Receive())))) {
     return IDCANCEL;
   }
   SetFileTypes(dialog.operator->(), m_filter);
+  if (!m_extension.IsEmpty()) dialog->SetDefaultExtension(m_extension);
   if (!m_fileName.IsEmpty()) dialog->SetFileName(m_fileName);
   if (m_ofn.lpstrTitle != nullptr) dialog->SetTitle(m_ofn.lpstrTitle);
-  dialog->SetOptions(FOS_FORCEFILESYSTEM | FOS_FILEMUSTEXIST |
-                     FOS_PATHMUSTEXIST | FOS_NOCHANGEDIR);
+  dialog->SetOptions(
+      FOS_FORCEFILESYSTEM | FOS_PATHMUSTEXIST | FOS_NOCHANGEDIR |
+      (m_bOpenFileDialog ? FOS_FILEMUSTEXIST : FOS_OVERWRITEPROMPT));
   const CWnd* parent = m_pParent != nullptr ? m_pParent : AfxGetMainWnd();
   if (FAILED(dialog->Show(parent != nullptr ? parent->m_hWnd : nullptr))) {
     return IDCANCEL;

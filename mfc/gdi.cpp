@@ -182,6 +182,11 @@ CMenu* CMenu::FromHandle(HMENU handle) {
   });
 }
 
+BOOL CMenu::TrackPopupMenu(UINT flags, int x, int y, CWnd* owner,
+                           LPCRECT rect) {
+  return ::TrackPopupMenu(m_hMenu, flags, x, y, 0, owner->GetSafeHwnd(), rect);
+}
+
 int CMenu::GetMenuString(UINT item, CString& text, UINT flags) const {
   const int length = ::GetMenuStringW(m_hMenu, item, nullptr, 0, flags);
   ::GetMenuStringW(m_hMenu, item, text.GetBuffer(length + 1), length + 1,

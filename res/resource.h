@@ -7,13 +7,25 @@
 #define IDC_STATIC (-1)
 
 // Commands, dialogs, strings, icons
+// In the system menu; the system keeps the low four bits of each for itself.
 #define IDM_ABOUTBOX 16
 #define IDM_LANGUAGE 32
+#define IDM_SAVE_PICTURE 48
+#define IDM_RECORD_RECIPE 64
+#define IDM_SAVE_RECIPE 80
+#define IDM_RUN_RECIPE 96
+#define IDM_RECENT_FIRST 256
+#define IDM_RECENT_LAST 368
+#define IDM_SYSTEM_STEP 16
+// Elsewhere
+#define IDM_COPY_ROWS 2001
+#define IDM_EXPORT 2002
 #define IDD_ABOUTBOX 100
 #define IDS_ABOUTBOX 101
 #define IDS_HOME_PAGE 102
 #define IDD_RENDAL_DIALOG 110
 #define IDR_MAINFRAME 128
+#define IDR_ACCELERATORS 129
 
 // View and status row
 #define IDC_VIEW 1000

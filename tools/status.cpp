@@ -46,13 +46,37 @@ constexpr Wording kDone           = {"%s done",
 constexpr Wording kConnectionDone = {
     "connection done, connected components =%d",
     "connection done, connected components =%d"};
+constexpr Wording kRowsCopied     = {"已复制 %d 行",
+                                     "rows copied: %d"};
+constexpr Wording kClipboardInUse = {"剪贴板被其他程序占用",
+                                     "clipboard in use by another program"};
+constexpr Wording kNoComponents   = {"还没有连通域",
+                                     "no components yet"};
+constexpr Wording kExported       = {"已导出 %d 个连通域",
+                                     "components exported: %d"};
+constexpr Wording kNoImage        = {"还没有图像",
+                                     "no image yet"};
+constexpr Wording kPictureSaved   = {"图像已保存",
+                                     "picture saved"};
+constexpr Wording kPictureUnknown = {"不支持的图像格式: %s",
+                                     "unknown kind of picture: %s"};
+constexpr Wording kRecording      = {"正在录制",
+                                     "recording"};
+constexpr Wording kRecorded       = {"已录制 %d 步",
+                                     "steps recorded: %d"};
+constexpr Wording kNothingRecorded = {"还没有录制任何步骤",
+                                      "nothing recorded yet"};
+constexpr Wording kRecipeSaved    = {"已保存 %d 步",
+                                     "steps saved: %d"};
+constexpr Wording kNoSuchFile     = {"文件不存在: %s",
+                                     "no such file: %s"};
 // clang-format on
 
 Status Format(Tone tone, int32_t language, const Wording* wording, ...) {
   Status status{tone, ""};
   const char* const formats[] = {wording->chinese, wording->english};
   for (size_t i = 0; i < status.translations.size(); ++i) {
-    char text[256];
+    char text[1024];
     va_list arguments;
     va_start(arguments, wording);
     std::vsnprintf(text, sizeof text, formats[i], arguments);
@@ -105,6 +129,58 @@ Status Done(int32_t language, std::string_view what) {
 
 Status ConnectionDone(int32_t language, int count) {
   return Format(Tone::kSuccess, language, &kConnectionDone, count);
+}
+
+Status RowsCopied(int32_t language, size_t rows) {
+  return Format(Tone::kSuccess, language, &kRowsCopied, static_cast<int>(rows));
+}
+
+Status ClipboardInUse(int32_t language) {
+  return Format(Tone::kError, language, &kClipboardInUse);
+}
+
+Status NoComponents(int32_t language) {
+  return Format(Tone::kError, language, &kNoComponents);
+}
+
+Status ComponentsExported(int32_t language, size_t components) {
+  return Format(Tone::kSuccess, language, &kExported,
+                static_cast<int>(components));
+}
+
+Status NoImage(int32_t language) {
+  return Format(Tone::kError, language, &kNoImage);
+}
+
+Status PictureSaved(int32_t language) {
+  return Format(Tone::kSuccess, language, &kPictureSaved);
+}
+
+Status PictureKindUnknown(int32_t language, std::string_view extension) {
+  return Format(Tone::kError, language, &kPictureUnknown,
+                std::string(extension).c_str());
+}
+
+Status Recording(int32_t language) {
+  return Format(Tone::kNotice, language, &kRecording);
+}
+
+Status Recorded(int32_t language, size_t steps) {
+  return Format(Tone::kNotice, language, &kRecorded, static_cast<int>(steps));
+}
+
+Status NothingRecorded(int32_t language) {
+  return Format(Tone::kError, language, &kNothingRecorded);
+}
+
+Status RecipeSaved(int32_t language, size_t steps) {
+  return Format(Tone::kSuccess, language, &kRecipeSaved,
+                static_cast<int>(steps));
+}
+
+Status NoSuchFile(int32_t language, std::string_view name) {
+  return Format(Tone::kError, language, &kNoSuchFile,
+                std::string(name).c_str());
 }
 
 Status Failed(const std::exception& error) {

@@ -50,6 +50,19 @@ Status TooFewRegions(int32_t language, size_t history_length);
 Status Done(int32_t language, std::string_view what);  // "<what> done"
 Status ConnectionDone(int32_t language, int count);
 
+Status RowsCopied(int32_t language, size_t rows);
+Status ClipboardInUse(int32_t language);
+Status NoComponents(int32_t language);
+Status ComponentsExported(int32_t language, size_t components);
+Status NoImage(int32_t language);
+Status PictureSaved(int32_t language);
+Status PictureKindUnknown(int32_t language, std::string_view extension);
+Status Recording(int32_t language);
+Status Recorded(int32_t language, size_t steps);
+Status NothingRecorded(int32_t language);
+Status RecipeSaved(int32_t language, size_t steps);
+Status NoSuchFile(int32_t language, std::string_view name);
+
 // What a tool that threw leaves in the label: the exception's own text.
 Status Failed(const std::exception& error);
 

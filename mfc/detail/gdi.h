@@ -171,6 +171,14 @@ class CMenu : public CObject {
   BOOL RemoveMenu(UINT position, UINT flags) {
     return ::RemoveMenu(m_hMenu, position, flags);
   }
+  UINT CheckMenuItem(UINT item, UINT flags) {
+    return ::CheckMenuItem(m_hMenu, item, flags);
+  }
+  UINT EnableMenuItem(UINT item, UINT flags) {
+    return static_cast<UINT>(::EnableMenuItem(m_hMenu, item, flags));
+  }
+  BOOL TrackPopupMenu(UINT flags, int x, int y, CWnd* owner,
+                      LPCRECT rect = nullptr);
   UINT GetMenuItemCount() const { return ::GetMenuItemCount(m_hMenu); }
   UINT GetMenuItemID(int position) const {
     return ::GetMenuItemID(m_hMenu, position);

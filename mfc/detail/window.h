@@ -79,6 +79,9 @@ class CWnd : public CCmdTarget {
   CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
   static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
   BOOL SetForegroundWindow() { return ::SetForegroundWindow(m_hWnd); }
+  void DragAcceptFiles(BOOL accept = TRUE) {
+    ::DragAcceptFiles(m_hWnd, accept);
+  }
   CMenu* GetSystemMenu(BOOL revert) const {
     return CMenu::FromHandle(::GetSystemMenu(m_hWnd, revert));
   }
@@ -141,6 +144,9 @@ class CWnd : public CCmdTarget {
   UINT IsDlgButtonChecked(int id) const {
     return ::IsDlgButtonChecked(m_hWnd, id);
   }
+  void CheckDlgButton(int id, UINT state) {
+    ::CheckDlgButton(m_hWnd, id, state);
+  }
   void CheckRadioButton(int first, int last, int checked) {
     ::CheckRadioButton(m_hWnd, first, last, checked);
   }
@@ -189,9 +195,11 @@ class CWnd : public CCmdTarget {
 
   // Default handlers, for handlers to call as their base.
   afx_msg void OnClose() { Default(); }
+  afx_msg void OnContextMenu(CWnd*, CPoint) { Default(); }
   afx_msg int OnCreate(LPCREATESTRUCT) { return static_cast<int>(Default()); }
   afx_msg HBRUSH OnCtlColor(CDC* dc, CWnd* window, UINT type);
   afx_msg void OnDrawItem(int id, LPDRAWITEMSTRUCT item);
+  afx_msg void OnDropFiles(HDROP) { Default(); }
   afx_msg BOOL OnEraseBkgnd(CDC*) { return static_cast<BOOL>(Default()); }
   afx_msg void OnLButtonDown(UINT, CPoint) { Default(); }
   afx_msg void OnRButtonDown(UINT, CPoint) { Default(); }

@@ -17,8 +17,11 @@ bool IsAscii(const std::wstring& text) {
 }
 
 std::vector<Text> Texts() {
-  std::vector<Text> texts = {kAlreadyOpen, kTitle, kOpenTitle, kElementWidth,
-                             kWelcome};
+  std::vector<Text> texts = {
+      kAlreadyOpen,     kTitle,          kOpenTitle,        kElementWidth,
+      kWelcome,         kRecentFiles,    kSavePicture,      kRecordRecipe,
+      kSaveRecipe,      kRunRecipe,      kSavePictureTitle, kExportTitle,
+      kSaveRecipeTitle, kRunRecipeTitle, kExport,           kCopyRows};
   texts.insert(texts.end(), std::begin(kDirections), std::end(kDirections));
   texts.insert(texts.end(), std::begin(kElements), std::end(kElements));
   return texts;

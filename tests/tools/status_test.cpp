@@ -46,6 +46,25 @@ TEST(Status, ImageTooLargeIsAnErrorInTheChosenLanguage) {
                "500000000 pixels");
 }
 
+TEST(Status, NewsOfResultsAreToldInBothLanguages) {
+  ExpectStatus(messages::RowsCopied(1, 12), Tone::kSuccess, "rows copied: 12");
+  ExpectStatus(messages::ClipboardInUse(1), Tone::kError,
+               "clipboard in use by another program");
+  ExpectStatus(messages::NoSuchFile(1, "a%d.png"), Tone::kError,
+               "no such file: a%d.png");
+  for (const Status& status :
+       {messages::RowsCopied(0, 12), messages::ClipboardInUse(0),
+        messages::NoComponents(0), messages::ComponentsExported(0, 2),
+        messages::NoImage(0), messages::PictureSaved(0),
+        messages::PictureKindUnknown(0, ".x"), messages::Recording(0),
+        messages::Recorded(0, 3), messages::NothingRecorded(0),
+        messages::RecipeSaved(0, 3),
+        messages::NoSuchFile(0, "a.png")}) {
+    EXPECT_GE(static_cast<unsigned char>(status.text[0]), 0x80);
+    EXPECT_LT(static_cast<unsigned char>(status.In(1).text[0]), 0x80);
+  }
+}
+
 TEST(Status, BlobMessagesReadTheSameInBothLanguages) {
   for (const int language : {0, 1}) {
     SCOPED_TRACE(language);

@@ -62,9 +62,20 @@ class DialogLanguage : public MainDialogTest {
                      MF_BYCOMMAND);
     return text;
   }
+  // The system menu's item that opens another menu.
+  std::wstring RecentFilesTitle() const {
+    const HMENU menu = ::GetSystemMenu(dialog.m_hWnd, FALSE);
+    for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
+      if (::GetSubMenu(menu, i) == nullptr) continue;
+      wchar_t text[64] = L"";
+      ::GetMenuStringW(menu, static_cast<UINT>(i), text, 64, MF_BYPOSITION);
+      return text;
+    }
+    return L"";
+  }
   Strings ColumnTitles() const {
     Strings titles;
-    for (size_t i = 0; i < rendal::ui_text::kRegionColumns.size(); ++i) {
+    for (size_t i = 0; i < rendal::kFeatureColumns.size(); ++i) {
       wchar_t text[64] = L"";
       LVCOLUMNW column = {};
       column.mask = LVCF_TEXT;
@@ -81,7 +92,9 @@ class DialogLanguage : public MainDialogTest {
   // the entries of the combo boxes.
   Strings Wording() const {
     Strings all = {TextOf(dialog.m_hWnd), Command(IDM_ABOUTBOX),
-                   Command(IDM_LANGUAGE)};
+                   Command(IDM_LANGUAGE), RecentFilesTitle(),
+                   Command(IDM_SAVE_PICTURE), Command(IDM_RECORD_RECIPE),
+                   Command(IDM_SAVE_RECIPE), Command(IDM_RUN_RECIPE)};
     for (const HWND child : Children()) {
       all.push_back(TextOf(child));
       if (KindOf(child) != L"ComboBox") continue;

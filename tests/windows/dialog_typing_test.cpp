@@ -91,7 +91,7 @@ class DialogTyping : public MainDialogTest {
   }
 
   void ExpectUsualWork() {
-    Click(1015);
+    Click(1036);  // across the edge
     Click(kMeasure);
     ASSERT_EQ(dialog.m_results.size(), 1u);
     EXPECT_FALSE(dialog.m_results[0].points.empty());
@@ -104,6 +104,7 @@ class DialogTyping : public MainDialogTest {
 
 TEST_F(DialogTyping, EveryButtonStandsWhateverStandsInAField) {
   RunWithImage(Wall(), [&] {
+    Select(1058, 1);  // an element with a height
     for (const Field& field : kFields) GoOver(field);
     ExpectUsualWork();
   });

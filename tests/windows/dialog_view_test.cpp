@@ -53,27 +53,7 @@ TEST_F(DialogView, OpenDialogLoadsTheChosenFile) {
   Run([&] {
     WithModal(
         [&] { Click(1001); },
-        [&](HWND box) {
-          PumpFor(300);
-          struct Find {
-            HWND edit = nullptr;
-          } find;
-          ::EnumChildWindows(
-              box,
-              [](HWND child, LPARAM data) -> BOOL {
-                wchar_t kind[16] = L"";
-                ::GetClassNameW(child, kind, 16);
-                auto* result = reinterpret_cast<Find*>(data);
-                if (std::wstring(kind) == L"Edit" && ::IsWindowVisible(child)) {
-                  result->edit = child;
-                }
-                return TRUE;
-              },
-              reinterpret_cast<LPARAM>(&find));
-          ::SendMessageW(find.edit, WM_SETTEXT, 0,
-                         reinterpret_cast<LPARAM>(path.wstring().c_str()));
-          ::PostMessageW(box, WM_COMMAND, IDOK, 0);
-        });
+        [&](HWND box) { AnswerFileDialog(box, path); });
     EXPECT_EQ(dialog.m_srcImage.size(), cv::Size(40, 30));
     EXPECT_EQ(dialog.m_srcImage.type(), CV_8UC1);
   });

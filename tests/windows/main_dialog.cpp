@@ -145,6 +145,26 @@ void MainDialogTest::WithModal(const std::function<void()>& trigger,
   trigger();
 }
 
+void MainDialogTest::AnswerFileDialog(HWND box,
+                                      const std::filesystem::path& path) {
+  PumpFor(300);
+  HWND edit = nullptr;
+  ::EnumChildWindows(
+      box,
+      [](HWND child, LPARAM result) -> BOOL {
+        wchar_t kind[16] = L"";
+        ::GetClassNameW(child, kind, 16);
+        if (std::wstring(kind) == L"Edit" && ::IsWindowVisible(child)) {
+          *reinterpret_cast<HWND*>(result) = child;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&edit));
+  ::SendMessageW(edit, WM_SETTEXT, 0,
+                 reinterpret_cast<LPARAM>(path.wstring().c_str()));
+  ::PostMessageW(box, WM_COMMAND, IDOK, 0);
+}
+
 std::wstring MainDialogTest::TextOf(HWND window) {
   std::wstring text(static_cast<size_t>(::GetWindowTextLengthW(window)) + 1,
                     L'\0');
@@ -171,6 +191,22 @@ int MainDialogTest::SelectionOf(int combo) const {
 
 void MainDialogTest::Click(int id) {
   ::SendMessageW(Control(id), BM_CLICK, 0, 0);
+}
+
+void MainDialogTest::Press(HWND window, UINT key, bool control) {
+  BYTE state[256] = {};
+  ::GetKeyboardState(state);
+  const BYTE before = state[VK_CONTROL];
+  state[VK_CONTROL] = control ? 0x80 : 0;
+  ::SetKeyboardState(state);
+  const UINT scanCode = ::MapVirtualKeyW(key, MAPVK_VK_TO_VSC);
+  MSG message = {window, WM_KEYDOWN,
+                 key,    static_cast<LPARAM>(scanCode << 16 | 1),
+                 0,      {0, 0}};
+  EXPECT_TRUE(dialog.PreTranslateMessage(&message));
+  state[VK_CONTROL] = before;
+  ::SetKeyboardState(state);
+  PumpFor(1);  // the characters that came of it
 }
 
 void MainDialogTest::Select(int combo, int index) {
@@ -303,6 +339,7 @@ std::filesystem::path MainDialogTest::WriteImage(const std::string& name,
 void MainDialogTest::TearDown() {
   std::error_code ignored;
   std::filesystem::remove_all(Folder(), ignored);
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
 }
 
 void MainDialogTest::RunWithImage(const cv::Mat& image, const Script& script) {

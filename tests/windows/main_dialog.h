@@ -27,9 +27,14 @@ class MainDialogTest : public testing::Test {
  protected:
   using Script = std::function<void()>;
 
+  // The dialog gets settings of its own, which go when the test ends.
+  static constexpr wchar_t kSettingsKey[] = L"Software\\Rendal tests";
+
   explicit MainDialogTest(
       std::unique_ptr<COpenDialog> window = std::make_unique<COpenDialog>())
-      : m_dialog(std::move(window)) {}
+      : m_dialog(std::move(window)) {
+    m_dialog->m_settingsKey = kSettingsKey;
+  }
 
   // Runs `script` once the dialog is up, then closes the dialog; returns what
   // DoModal() returned. Standard output, which the dialog sends to its console,
@@ -48,6 +53,9 @@ class MainDialogTest : public testing::Test {
   void WithModal(const std::function<void()>& trigger,
                  const std::function<void(HWND)>& act);
 
+  // Types a path into a file dialog and accepts it.
+  static void AnswerFileDialog(HWND box, const std::filesystem::path& path);
+
   HWND Control(int id) const { return ::GetDlgItem(dialog.m_hWnd, id); }
   std::wstring TextOf(int id) const { return TextOf(Control(id)); }
   static std::wstring TextOf(HWND window);
@@ -55,6 +63,8 @@ class MainDialogTest : public testing::Test {
   int SelectionOf(int combo) const;
 
   void Click(int id);
+  // A key that goes to a window as the dialog's message loop hands it out.
+  void Press(HWND window, UINT key, bool control = false);
   void Select(int combo, int index);
   void Tick();
   // Presses the up or down arrow of a spin with the mouse.

@@ -65,6 +65,15 @@ TEST(MessageMap, HasEveryHandlerInItsOrder) {
       {WM_CLOSE, 0, 0},
       Clicked(1022),
       Clicked(1031),
+      {WM_DROPFILES, 0, 0},
+      {WM_CONTEXTMENU, 0, 0},
+      {WM_NOTIFY, static_cast<UINT>(LVN_ITEMCHANGED), 1051},
+      {WM_COMMAND, 0, IDM_COPY_ROWS},
+      {WM_COMMAND, 0, IDM_EXPORT},
+      {WM_COMMAND, 0, IDM_SAVE_PICTURE},
+      {WM_COMMAND, 0, IDM_RECORD_RECIPE},
+      {WM_COMMAND, 0, IDM_SAVE_RECIPE},
+      {WM_COMMAND, 0, IDM_RUN_RECIPE},
   };
   std::vector<Entry> actual;
   const AFX_MSGMAP* map = COpenDialog::GetThisMessageMap();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <deque>
 #include <filesystem>
@@ -14,6 +15,7 @@
 #include <opencv2/imgproc.hpp>
 #include <random>
 #include <stdexcept>
+#include <vector>
 
 #include "res/resource.h"
 #include "tests/windows/operator.h"
@@ -411,11 +413,9 @@ void Monkey::Rest() {
   report_.rests.push_back(CountersOf(program_.id()));
 }
 
-// The first rest comes before the program has warmed up.
+// What leaks grows from rest to rest; what the system takes once, at whatever
+// time, does not. The first rest comes before the program has warmed up.
 void Monkey::CheckGrowth() const {
-  const auto& rests = report_.rests;
-  const auto middle =
-      rests.begin() + 1 + static_cast<int>(rests.size() - 1) / 2;
   const struct {
     const char* what;
     size_t ProcessCounters::*counter;
@@ -426,14 +426,17 @@ void Monkey::CheckGrowth() const {
       {"windows", &ProcessCounters::windows, kSlackWindows},
       {"bytes", &ProcessCounters::private_bytes, kSlackBytes}};
   for (const auto& [what, counter, slack] : rows) {
-    size_t before = 0, after = 0;
-    for (auto i = rests.begin() + 1; i != rests.end(); ++i) {
-      size_t& most = i < middle ? before : after;
-      most = std::max(most, (*i).*counter);
+    std::vector<int64_t> steps;
+    for (size_t i = 2; i < report_.rests.size(); ++i) {
+      steps.push_back(static_cast<int64_t>(report_.rests[i].*counter) -
+                      static_cast<int64_t>(report_.rests[i - 1].*counter));
     }
-    if (after > before + slack) {
-      Fail("no growth of " + std::string(what) + "; " + std::to_string(before) +
-           " at most, later " + std::to_string(after) + "\n" + Told(report_));
+    const auto middle = steps.begin() + static_cast<int>(steps.size()) / 2;
+    std::nth_element(steps.begin(), middle, steps.end());
+    const int64_t growth = *middle * static_cast<int64_t>(steps.size());
+    if (growth > static_cast<int64_t>(slack)) {
+      Fail("no growth of " + std::string(what) + "; " +
+           std::to_string(*middle) + " from rest to rest\n" + Told(report_));
     }
   }
 }

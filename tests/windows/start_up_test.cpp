@@ -137,7 +137,8 @@ TEST_F(StartUp, StateBeforeTheFirstLoad) {
 }
 
 TEST_F(StartUp, ViewIsAsItWasMeantBeforeAnyImage) {
-  rendal::g_view = {5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, true, 5};
+  rendal::g_view = {5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, true, 5,
+                    5, 5, true, {5}};
   Run([&] {
     const rendal::ViewState& view = rendal::g_view;
     EXPECT_EQ(view.zoom, 1.0f);
@@ -147,6 +148,7 @@ TEST_F(StartUp, ViewIsAsItWasMeantBeforeAnyImage) {
     EXPECT_EQ(view.pointerY, 0);
     EXPECT_FALSE(view.dragging);
     EXPECT_EQ(view.grabbed, -1);
+    EXPECT_TRUE(view.highlighted.empty());
   });
 }
 
