@@ -18,8 +18,8 @@ Bytes FromText(const std::string& text) {
 }
 
 void AppendLittle(Bytes* to, uint64_t value, int size) {
-  for (int i = 0; i < size; ++i) {
-    to->push_back(static_cast<unsigned char>(value >> 8 * i));
+  for (int i = 0; i < size; ++i, value >>= 8) {
+    to->push_back(static_cast<unsigned char>(value));
   }
 }
 

@@ -22,6 +22,13 @@
 #include "tools/console_text.h"
 #include "tools/line_finder.h"
 
+// The image library loses pixels for whose header there is no memory.
+#ifdef __SANITIZE_ADDRESS__
+extern "C" __attribute__((visibility("default"))) const char*
+__lsan_default_suppressions();
+const char* __lsan_default_suppressions() { return "leak:cv::fastMalloc\n"; }
+#endif
+
 namespace rendal {
 namespace {
 
