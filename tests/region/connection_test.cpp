@@ -172,13 +172,9 @@ std::string bytes_of(Form form, const region& result) {
   return all;
 }
 
-// The thread sanitizer slows memory tenfold; there a smaller image still has
-// bands enough for every thread.
-#ifdef __SANITIZE_THREAD__
-constexpr int kWidth = 1600, kHeight = 1200;
-#else
-constexpr int kWidth = 4000, kHeight = 3000;
-#endif
+// The smaller image still has bands enough for every thread.
+constexpr int kWidth = vexo_test::kSanitized ? 1600 : 4000;
+constexpr int kHeight = vexo_test::kSanitized ? 1200 : 3000;
 
 // Noise, a comb whose teeth only meet in the last row, frame within frame
 // through every band.

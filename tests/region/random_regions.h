@@ -22,6 +22,19 @@ constexpr uint64_t cases(uint64_t all) {
 #endif
 }
 
+// Every sanitizer makes large pictures slow: their memory is its work. Smaller
+// ones and fewer of them go the same ways.
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// The same of cases that are large.
+constexpr uint64_t large_cases(uint64_t all) {
+  return kSanitized ? (all + 3) / 4 : all;
+}
+
 // The generator is ours, since the distributions of the standard library differ
 // between its implementations.
 class Random {

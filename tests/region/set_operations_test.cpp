@@ -458,7 +458,7 @@ TEST_F(SetOperationForms, RunsInNoOrderAreNeverReadBeyondTheirEnds) {
 }
 
 TEST_F(SetOperationForms, ThreadsAndVectorWidthsAgreeOnLargeRegions) {
-  for (uint64_t seed = 0; seed < vexo_test::cases(6); ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::large_cases(6); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     region a = large_region(random);
@@ -520,7 +520,7 @@ Runs joined(const Runs& runs) {
 }
 
 TEST_F(SetOperationForms, AgreeAtEveryVectorWidthHoweverFarRunsLieApart) {
-  for (uint64_t seed = 0; seed < 60; ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::large_cases(60); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const Runs runs = stretches_of_every_kind(random);
