@@ -104,31 +104,46 @@ Size JpegSize(Bytes bytes) {
   return std::nullopt;
 }
 
-// Of the classic form and of the one with 64-bit offsets.
+// One number of a TIFF directory, of any of the types of whole numbers.
+uint64_t TiffValue(Reader& file, uint64_t entry, bool wide) {
+  const uint64_t at = entry + (wide ? 12 : 8);
+  switch (file.Read16(entry + 2)) {
+    case 1:  // bytes
+    case 6:
+      return file.Number(at, 1);
+    case 3:  // 16 bits
+    case 8:
+      return file.Read16(at);
+    case 16:  // 64 bits, which stand elsewhere when they do not fit
+    case 17:
+    case 18:
+      return file.Number(wide ? at : file.Read32(at), 8);
+    default:
+      return file.Read32(at);
+  }
+}
+
+// Of the classic form and of the one with 64-bit offsets. A tag that is there
+// twice counts as the decoder takes it: the first time.
 Size TiffSize(Bytes bytes, bool big_endian, bool wide) {
   constexpr uint64_t kWidthTag = 256, kHeightTag = 257;
-  constexpr uint64_t kShort = 3, kLong8 = 16;
   constexpr uint64_t kMostEntries = 65535;
   Reader file(bytes, big_endian);
   const uint64_t directory = wide ? file.Number(8, 8) : file.Read32(4);
   const uint64_t count =
       wide ? file.Number(directory, 8) : file.Read16(directory);
   const uint64_t entry_size = wide ? 20 : 12;
-  ClaimedSize size;
+  std::optional<uint64_t> width;
+  std::optional<uint64_t> height;
   uint64_t at = directory + (wide ? 8 : 2);
   for (uint64_t i = 0; i < std::min(count, kMostEntries); ++i) {
     const uint64_t tag = file.Read16(at);
     if (file.IsBeyondEnd()) break;
-    if (tag == kWidthTag || tag == kHeightTag) {
-      const uint64_t type = file.Read16(at + 2);
-      const uint64_t value =
-          file.Number(at + (wide ? 12 : 8),
-                      type == kShort ? 2 : (wide && type == kLong8 ? 8 : 4));
-      (tag == kWidthTag ? size.width : size.height) = value;
-    }
+    if (tag == kWidthTag && !width) width = TiffValue(file, at, wide);
+    if (tag == kHeightTag && !height) height = TiffValue(file, at, wide);
     at += entry_size;
   }
-  return file.Result(size.width, size.height);
+  return file.Result(width.value_or(0), height.value_or(0));
 }
 
 }  // namespace

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <opencv2/imgcodecs.hpp>
 #include <string>
+#include <vector>
 
 #include "tests/app/image_bytes.h"
 
@@ -90,6 +92,47 @@ TEST(ClaimedSize, IsNoneWhereTheHeaderIsCutOffAndInOtherFiles) {
     EXPECT_EQ(ReadClaimedSize(std::span(bytes.data(), 15)), std::nullopt);
   }
   EXPECT_EQ(ReadClaimedSize(FromText("P5 60000 60000 255 ")), std::nullopt);
+}
+
+// A directory at 16, after eight bytes that an entry may point at.
+Bytes ClassicTiff(uint64_t at_8, const std::vector<std::array<int, 3>>& tags) {
+  Bytes bytes = FromText("II*");
+  AppendLittle(&bytes, 0, 1);
+  AppendLittle(&bytes, 16, 4);
+  AppendLittle(&bytes, at_8, 8);
+  AppendLittle(&bytes, tags.size(), 2);
+  for (const auto& [tag, type, value] : tags) {
+    AppendLittle(&bytes, static_cast<uint64_t>(tag), 2);
+    AppendLittle(&bytes, static_cast<uint64_t>(type), 2);
+    AppendLittle(&bytes, 1, 4);
+    AppendLittle(&bytes, static_cast<uint64_t>(value), 4);
+  }
+  return bytes;
+}
+
+// What follows would let a file pass that the decoder then takes for a large
+// one.
+TEST(ClaimedSize, OfATiffIsTheFirstOfSeveral) {
+  constexpr int kLong = 4;
+  EXPECT_EQ(ReadClaimedSize(ClassicTiff(0, {{256, kLong, 60000},
+                                            {256, kLong, 3},
+                                            {257, kLong, 50000},
+                                            {257, kLong, 3}})),
+            (ClaimedSize{60000, 50000}));
+}
+
+TEST(ClaimedSize, OfATiffMayStandElsewhere) {
+  constexpr int kLong8 = 16;
+  EXPECT_EQ(
+      ReadClaimedSize(ClassicTiff(60000, {{256, kLong8, 8}, {257, kLong8, 8}})),
+      (ClaimedSize{60000, 60000}));
+}
+
+TEST(ClaimedSize, OfATiffMayBeBytes) {
+  constexpr int kByte = 1;
+  EXPECT_EQ(ReadClaimedSize(ClassicTiff(
+                0, {{256, kByte, 0xABCD02}, {257, kByte, 0xABCD03}})),
+            (ClaimedSize{2, 3}));
 }
 
 TEST(ClaimedSize, ExceedsWithoutOverflow) {

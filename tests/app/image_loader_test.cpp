@@ -470,7 +470,9 @@ TEST_F(ImageLoader, NameLongerThanTheFileSystemTakesIsNoImage) {
 class SmallMemory : public cv::MatAllocator {
  public:
   SmallMemory() { cv::Mat::setDefaultAllocator(this); }
-  ~SmallMemory() override { cv::Mat::setDefaultAllocator(nullptr); }
+  ~SmallMemory() override {
+    cv::Mat::setDefaultAllocator(cv::Mat::getStdAllocator());
+  }
 
   cv::UMatData* allocate(int dims, const int* sizes, int type, void* data,
                          size_t* step, cv::AccessFlag flags,
