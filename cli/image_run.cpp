@@ -37,6 +37,12 @@ void WritePng(const fs::path& path, const cv::Mat& picture) {
 std::string WhyNot(const fs::path& path, const Workbench& bench,
                    const LoadReport& report) {
   std::error_code error;
+  if (report.too_large) {
+    const auto [width, height] = *report.too_large;
+    return messages::ImageTooLarge(kEnglish, width, height,
+                                   bench.m_maxImagePixels)
+        .text;
+  }
   if (!fs::exists(path, error)) return "there is no such file";
   if (report.is_cut_off) return "the file is cut off";
   if (bench.m_srcImage.empty()) return "it is no image";

@@ -235,6 +235,18 @@ TEST_F(CommandLineTest, OneBadImageDoesNotStopTheRest) {
   EXPECT_FALSE(fs::exists(m_folder / "out" / "b_labels.png"));
 }
 
+TEST_F(CommandLineTest, ImageOfTooManyPixelsIsRefusedWithItsSize) {
+  // The beginning of a bitmap of 60000 x 60000.
+  std::string bitmap = "BM" + std::string(24, '\0');
+  bitmap[14] = 40;
+  for (const int at : {18, 22}) bitmap.replace(at, 2, "\x60\xEA");
+  Written("big.bmp", bitmap);
+  EXPECT_EQ(Run({"info", In("big.bmp")}), kSomethingFailed);
+  EXPECT_EQ(m_error, "rendal-cli: " + In("big.bmp") +
+                         ": image too large,width = 60000, height = 60000, at "
+                         "most 500000000 pixels\n");
+}
+
 TEST_F(CommandLineTest, ResultsDoNotDependOnTheNumberOfThreads) {
   Arguments images;
   for (int i = 0; i < 8; ++i) {
