@@ -3,41 +3,25 @@
 // Builds two regions and a structuring element from the input's bytes, runs
 // every operation of the region library in every form and compares each result
 // with the raster of fuzz/grid.h. A difference aborts.
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
 #include "fuzz/grid.h"
+#include "fuzz/lists.h"
+#include "fuzz/tiles.h"
+#include "region/internal/morphology.h"
+#include "region/internal/parallel.h"
+#include "region/internal/vector_level.h"
 #include "region/operations.h"
 
 namespace {
 
 using fuzz::Box;
+using fuzz::Bytes;
+using fuzz::chords_of;
 using fuzz::Grid;
 using fuzz::Pixel;
+using fuzz::require;
+using fuzz::Run;
+using fuzz::runs_of;
 using vexo::region;
-
-[[noreturn]] void fail(const std::string& what) {
-  std::fprintf(stderr, "region_fuzz: %s\n", what.c_str());
-  std::abort();
-}
-
-void require(bool holds, const std::string& what) {
-  if (!holds) fail(what);
-}
-
-class Bytes {
- public:
-  Bytes(const uint8_t* data, size_t size) : data_(data), size_(size) {}
-  int next() { return position_ < size_ ? data_[position_++] : 0; }
-  int between(int low, int high) { return low + next() % (high - low + 1); }
-  bool at_end() const { return position_ >= size_; }
-
- private:
-  const uint8_t* data_;
-  size_t size_;
-  size_t position_ = 0;
-};
 
 // Rows of up to 24 columns, read bit by bit.
 Grid read_grid(Bytes& in, int max_rows, int max_bytes) {
@@ -55,47 +39,8 @@ Grid read_grid(Bytes& in, int max_rows, int max_bytes) {
   return grid;
 }
 
-struct Run {
-  int row, begin, end;
-  bool operator==(const Run& other) const = default;
-};
-
-std::vector<Run> runs_of(const Grid& grid) {
-  std::vector<Run> runs;
-  grid.each([&](int row, int col) {
-    if (!runs.empty() && runs.back().row == row && runs.back().end == col - 1)
-      runs.back().end = col;
-    else
-      runs.push_back({row, col, col});
-  });
-  return runs;
-}
-
-std::vector<Run> runs_of(const region& r) {
-  std::vector<Run> runs;
-  for (size_t i = 0; i < r.run_count; ++i)
-    runs.push_back({r.rows[i], r.col_begins[i], r.col_ends[i]});
-  return runs;
-}
-
-std::vector<Run> chords_of(const region& r) {
-  std::vector<Run> runs;
-  for (int i = 0; i < r.chord_count; ++i)
-    runs.push_back(
-        {r.chords[i].row, r.chords[i].col_begin, r.chords[i].col_end});
-  return runs;
-}
-
 void fill(region& r, const Grid& grid, int width, int height) {
-  const std::vector<Run> runs = runs_of(grid);
-  r.reserve(runs.size());
-  for (const Run& run : runs) {
-    r.rows[r.run_count] = run.row;
-    r.col_begins[r.run_count] = run.begin;
-    r.col_ends[r.run_count] = run.end;
-    ++r.run_count;
-  }
-  r.to_3();
+  fuzz::fill(r, runs_of(grid));
   r.width = width;
   r.height = height;
 }
@@ -282,6 +227,28 @@ void check_threshold(const Grid& grid) {
   expect_runs(runs3, expected, "threshold_y3");
 }
 
+// How the work is done, which no result depends on: threads and what a piece
+// must cost to be worth one, vectors, the form of the morphology. An input
+// without these bytes gets what a program gets.
+void read_settings(Bytes& in) {
+  using vexo::internal::morphology_form;
+  using vexo::internal::vector_level;
+  constexpr int kThreads[] = {0, 1, 2, 8};
+  constexpr vector_level kLevels[] = {
+      vector_level::kAvx512, vector_level::kAvx512, vector_level::kAvx2,
+      vector_level::kPlain};
+  constexpr morphology_form kForms[] = {
+      morphology_form::cheapest, morphology_form::keys,
+      morphology_form::strips,   morphology_form::bits,
+      morphology_form::plain,    morphology_form::cheapest,
+      morphology_form::cheapest, morphology_form::cheapest};
+  const int b = in.next();
+  vexo::internal::set_thread_limit(kThreads[b & 3]);
+  vexo::internal::set_vector_limit(kLevels[b >> 2 & 3]);
+  vexo::internal::set_hand_over_cost(b & 16 ? 0 : -1);
+  vexo::internal::set_morphology_form(kForms[b >> 5]);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -297,10 +264,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   c.second = read_grid(in, 20, 3);
   fill(c.a, c.first, c.width, c.height);
   fill(c.b, c.second, c.width, c.height);
+  read_settings(in);
 
   check_threshold(c.first);
   check_set_operations(c);
   if (!c.first.any()) return 0;
+  fuzz::check_tiles(in, c.first, c.second, c.element);
   check_components(c);
   check_holes(c);
   check_boundary(c);

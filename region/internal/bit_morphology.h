@@ -25,7 +25,8 @@ class bit_plan {
     bool restart;    // begin again at the source row, moved by `up`
     ptrdiff_t down;  // how far to spread
     ptrdiff_t up;
-    size_t first_row, last_row;  // in rows(): where the outcome is merged
+    size_t first_row, last_row;  // in rows(): where the outcome is merged,
+    size_t window;  // or how many rows from rows()[first_row] on have it; or 0
   };
 
   // Runs of the element around any origin, ordered by row.
@@ -33,6 +34,8 @@ class bit_plan {
 
   const std::vector<step>& steps() const { return steps_; }
   const std::vector<int64_t>& rows() const { return rows_; }
+  // Rows of bits that are joined or merged for each source row.
+  size_t merges() const { return merges_; }
   int64_t min_row() const { return min_row_; }
   int64_t max_row() const { return max_row_; }
   // Column 0 of the steps in the element's own columns, and how far the steps
@@ -46,9 +49,11 @@ class bit_plan {
 
  private:
   void reach_width(int64_t begin, int64_t end);
+  void merge_into(const std::vector<int64_t>& rows, size_t window);
 
   std::vector<step> steps_;
   std::vector<int64_t> rows_;
+  size_t merges_ = 0;
   int64_t min_row_, max_row_;
   int64_t origin_;
   int64_t reach_down_ = 0;

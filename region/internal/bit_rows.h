@@ -44,9 +44,11 @@ struct bit_kernels {
   // Lowers *min to the smallest begin, raises *max to the greatest end.
   void (*span)(const int32_t* begins, const int32_t* ends, size_t count,
                int32_t* min, int32_t* max);
-  // Whether some end - begin is at least `length`.
+  // Whether some end - begin is at least `length`, and how many are.
   bool (*reaches)(const int32_t* begins, const int32_t* ends, size_t count,
                   int64_t length);
+  size_t (*count_reaching)(const int32_t* begins, const int32_t* ends,
+                           size_t count, int64_t length);
 
   // The number of runs of ones, and the runs themselves; column 0 of the row
   // is column `origin`. write_runs() returns their number.
@@ -68,6 +70,11 @@ struct bit_kernels {
                      const uint64_t* below, uint64_t* to, size_t words);
   void (*outer_edge)(const uint64_t* above, const uint64_t* at,
                      const uint64_t* below, uint64_t* to, size_t words);
+  // to = a | b, to = a & b.
+  void (*join_or)(const uint64_t* a, const uint64_t* b, uint64_t* to,
+                  size_t words);
+  void (*join_and)(const uint64_t* a, const uint64_t* b, uint64_t* to,
+                   size_t words);
   // into |= from, into &= from, into &= ~from, for several rows `into`.
   void (*merge_or)(const uint64_t* from, uint64_t* const* into, size_t count,
                    size_t words);

@@ -228,7 +228,7 @@ class morphology {
       return std::numeric_limits<double>::infinity();
     const double per_word = 3.5 +
                             0.3 * static_cast<double>(plan_.steps().size()) +
-                            0.22 * static_cast<double>(plan_.rows().size());
+                            0.22 * static_cast<double>(plan_.merges());
     return l.runs + l.rows * (30 + words * per_word);
   }
 
