@@ -10,7 +10,7 @@ set(RENDAL_CONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vexo)
 
 install(TARGETS vexo vexolab EXPORT vexo-targets
         ARCHIVE COMPONENT libraries
-        LIBRARY COMPONENT libraries
+        LIBRARY COMPONENT runtime NAMELINK_COMPONENT libraries
         RUNTIME COMPONENT libraries
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/region/region.h
@@ -32,6 +32,8 @@ install(FILES ${PROJECT_BINARY_DIR}/package/vexo-config.cmake
               ${PROJECT_BINARY_DIR}/package/vexo-config-version.cmake
         DESTINATION ${RENDAL_CONFIG_DIR} COMPONENT libraries)
 
+# A package is installed elsewhere than where this build would install.
+file(RELATIVE_PATH RENDAL_PREFIX_OF_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 foreach(library vexo vexolab)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in
                  ${PROJECT_BINARY_DIR}/package/${library}.pc @ONLY)

@@ -1,0 +1,68 @@
+# SPDX-License-Identifier: MIT
+#
+# What cpack gives away. Linux: three Debian packages, the measurement library,
+# both libraries for development, the command line. Windows: a ZIP that runs
+# from any folder, from which setup/windows_packages.sh makes the installer.
+set(CPACK_PACKAGE_NAME rendal)
+set(CPACK_PACKAGE_CONTACT "Rendal maintainers <rendal@vexolab.example>")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_STRIP_FILES ON)
+
+if(WIN32)
+  install(TARGETS rendal rendal-cli vexolab
+          RUNTIME DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
+  install(FILES README.md LICENSE CHANGELOG.md
+          DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
+  install(DIRECTORY samples DESTINATION . COMPONENT program EXCLUDE_FROM_ALL
+          FILES_MATCHING PATTERN "*.png" PATTERN "*.json" PATTERN "README.md")
+  # Collected by setup/licences.sh, which has to run before.
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/licences
+          DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_COMPONENTS_ALL program)
+  set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+  set(CPACK_ARCHIVE_PROGRAM_FILE_NAME rendal-${PROJECT_VERSION}-windows-x64)
+  include(CPack)
+  return()
+endif()
+
+set(runtime libvexolab${PROJECT_VERSION_MAJOR})
+set(packages_of_this_version "(= ${PROJECT_VERSION})")
+set(CPACK_COMPONENTS_ALL runtime libraries)
+set(RENDAL_PACKAGE_runtime ${runtime})
+set(RENDAL_PACKAGE_libraries librendal-dev)
+if(TARGET rendal-cli)
+  list(APPEND CPACK_COMPONENTS_ALL cli)
+  set(RENDAL_PACKAGE_cli rendal-cli)
+  install(TARGETS rendal-cli RUNTIME COMPONENT cli)
+endif()
+foreach(component ${CPACK_COMPONENTS_ALL})
+  install(FILES LICENSE RENAME copyright COMPONENT ${component}
+          DESTINATION
+          ${CMAKE_INSTALL_DATAROOTDIR}/doc/${RENDAL_PACKAGE_${component}})
+  string(TOUPPER ${component} upper)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${RENDAL_PACKAGE_${component}})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SHLIBDEPS ON)
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+# Ours, which no installed package tells about.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/vexolab)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libdevel)
+# The second is what the static library leaves to be linked.
+set(CPACK_DEBIAN_LIBRARIES_PACKAGE_DEPENDS
+    "${runtime} ${packages_of_this_version}, libtbb-dev")
+set(CPACK_DEBIAN_CLI_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_CLI_PACKAGE_DEPENDS "${runtime} ${packages_of_this_version}")
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
+    "Sub-pixel calipers and robust fits (measurement library)")
+set(CPACK_COMPONENT_LIBRARIES_DESCRIPTION
+    "Run-length regions and sub-pixel measurement (headers, libraries)")
+set(CPACK_COMPONENT_CLI_DESCRIPTION
+    "Machine vision on run-length regions from the command line")
+include(CPack)
