@@ -5,10 +5,12 @@
 # (bench_batch.cpp), on photographs of two megapixels: threshold, fill, opening
 # by disc 10, components with features, one table of all.
 #
-#   bench/batch.py [COUNT] [FOLDER]     1000 images, kept in FOLDER if given
+#   bench/batch.py --images 100 300 1000 --threads 1 2 --format bmp
 #
 # Both tables must have the same components. Each run is in a process of its
-# own; the images come from the page cache. Peak memory is of the run.
+# own; the images come from the page cache. Peak memory is of the run. "Reading
+# alone" is OpenCV opening and decoding the same files, a bound for both.
+import argparse
 import collections
 import csv
 import json
@@ -25,6 +27,41 @@ RECIPE = {"version": 1,
                     {"do": "fill_up"},
                     {"do": "opening", "element": "circle", "radius": 10},
                     {"do": "connection"}]}
+
+
+def options():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--images", type=int, nargs="+", default=[1000],
+                        help="numbers of images, one run each")
+    parser.add_argument("--threads", type=int, nargs="+", default=[1, 2])
+    parser.add_argument("--format", choices=["bmp", "jpg", "png"],
+                        default="bmp")
+    parser.add_argument("--times", type=int, default=1,
+                        help="runs of each, of which the fastest counts")
+    parser.add_argument("--folder", help="keeps the photographs here")
+    parser.add_argument("--only-make", action="store_true",
+                        help="makes the photographs, measures nothing")
+    return parser.parse_args()
+
+
+def make(folder, count, kind):
+    """The photographs, from an earlier run if there are enough."""
+    os.makedirs(folder, exist_ok=True)
+    if len(os.listdir(folder)) < count:
+        subprocess.run([f"{BIN}/bench_batch", "make", folder, str(count),
+                        kind], check=True, stdout=subprocess.DEVNULL)
+    folder = os.path.abspath(folder)
+    return [os.path.join(folder, name) for name in sorted(os.listdir(folder))]
+
+
+def some_of(files, folder):
+    """A folder with links to these files, which are in the page cache."""
+    os.makedirs(folder)
+    for file in files:
+        with open(file, "rb") as content:
+            content.read()
+        os.symlink(file, os.path.join(folder, os.path.basename(file)))
+    return folder
 
 
 def timed(command):
@@ -48,40 +85,47 @@ def components(path, has_header):
     return found
 
 
+def fastest(times, command):
+    """The shortest of some runs, and the largest peak."""
+    runs = [timed(command) for _ in range(times)]
+    return min(run[0] for run in runs), max(run[1] for run in runs)
+
+
+def compared(work, files, threads, times):
+    """One row of the table."""
+    recipe, ours, peer = (os.path.join(work, name) for name in
+                          ["recipe.json", "ours.csv", "peer.csv"])
+    with open(recipe, "w") as file:
+        json.dump(RECIPE, file)
+    n = len(files)
+    few = some_of(files, os.path.join(work, f"few{n}-{threads}"))
+    a, memory = fastest(times, [f"{BIN}/rendal-cli", "run", recipe, few,
+                                "--csv", ours, "--quiet", "--threads",
+                                str(threads)])
+    b, peers_memory = fastest(times, [f"{BIN}/bench_batch", "run", few, peer,
+                                      str(threads)])
+    reading, _ = fastest(times, [f"{BIN}/bench_batch", "read", few,
+                                 str(threads)])
+    found = components(ours, True)
+    if found != components(peer, False) or not found:
+        sys.exit("the components differ")
+    return (f"| {threads} | {n} | {n / a:.1f} | {n / b:.1f} | {b / a:.1f} "
+            f"| {n / reading:.1f} | {memory:.0f} | {peers_memory:.0f} |")
+
+
 def main():
-    count = int(sys.argv[1]) if len(sys.argv) > 1 else 1000
+    wanted = options()
     with tempfile.TemporaryDirectory() as work:
-        folder = sys.argv[2] if len(sys.argv) > 2 else os.path.join(work, "in")
-        os.makedirs(folder, exist_ok=True)
-        if len(os.listdir(folder)) != count:
-            subprocess.run([f"{BIN}/bench_batch", "make", folder, str(count)],
-                           check=True, stdout=subprocess.DEVNULL)
-        recipe = os.path.join(work, "recipe.json")
-        with open(recipe, "w") as file:
-            json.dump(RECIPE, file)
-        ours, peer = (os.path.join(work, n) for n in ["ours.csv", "peer.csv"])
-        files = sorted(os.listdir(folder))
-        for name in files:  # into the page cache
-            with open(os.path.join(folder, name), "rb") as file:
-                file.read()
+        files = make(wanted.folder or os.path.join(work, "in"),
+                     max(wanted.images), wanted.format)
+        if wanted.only_make:
+            return
         print("| threads | images | rendal-cli [1/s] | OpenCV [1/s] | ratio "
-              "| peak [MB] | OpenCV's [MB] |\n|---|---|---|---|---|---|---|")
-        for threads in [1, 2]:
-            for n in sorted({count // 10, count}):
-                few = os.path.join(work, f"few{n}-{threads}")
-                os.makedirs(few)
-                for name in files[:n]:
-                    os.symlink(os.path.join(os.path.abspath(folder), name),
-                               os.path.join(few, name))
-                a, memory = timed([f"{BIN}/rendal-cli", "run", recipe, few,
-                                   "--csv", ours, "--quiet", "--threads",
-                                   str(threads)])
-                b, peers_memory = timed([f"{BIN}/bench_batch", "run", few,
-                                         peer, str(threads)])
-                if components(ours, True) != components(peer, False):
-                    sys.exit("the components differ")
-                print(f"| {threads} | {n} | {n / a:.1f} | {n / b:.1f} "
-                      f"| {b / a:.1f} | {memory:.0f} | {peers_memory:.0f} |",
+              "| reading alone [1/s] | peak [MB] | OpenCV's [MB] |\n"
+              "|---|---|---|---|---|---|---|---|")
+        for threads in wanted.threads:
+            for count in wanted.images:
+                print(compared(work, files[:count], threads, wanted.times),
                       flush=True)
 
 

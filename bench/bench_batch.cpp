@@ -3,8 +3,9 @@
 // The peer of "rendal-cli run": the same chain over a folder of images, written
 // with OpenCV, and the maker of that folder. bench/batch.py runs both.
 //
-//   bench_batch make FOLDER COUNT       photographs of 1600 x 1250, grey, BMP
+//   bench_batch make FOLDER COUNT bmp   photographs of 1600 x 1250, grey
 //   bench_batch run FOLDER CSV THREADS
+//   bench_batch read FOLDER THREADS     opens and decodes, no more
 #include <algorithm>
 #include <atomic>
 #include <cmath>
@@ -48,7 +49,7 @@ cv::Mat view_of(const cv::Mat& photograph, cv::RNG& random) {
   return view;
 }
 
-void make(const fs::path& folder, int count) {
+void make(const fs::path& folder, int count, const std::string& format) {
   std::vector<cv::Mat> photographs;
   for (const char* name :
        {"coins", "parts", "board", "retina", "stars", "digits2m", "gravel4m"}) {
@@ -61,9 +62,11 @@ void make(const fs::path& folder, int count) {
   cv::RNG random(20261121);
   for (int i = 0; i < count; ++i) {
     char name[32];
-    std::snprintf(name, sizeof name, "%04d.bmp", i);
-    cv::imwrite((folder / name).string(),
-                view_of(photographs[i % photographs.size()], random));
+    std::snprintf(name, sizeof name, "%04d.", i);
+    if (!cv::imwrite((folder / (name + format)).string(),
+                     view_of(photographs[i % photographs.size()], random))) {
+      bench::fail("cannot write the photographs");
+    }
   }
 }
 
@@ -118,27 +121,26 @@ std::string table_of(const fs::path& path, const cv::Mat& disc) {
   return csv;
 }
 
-void run(const fs::path& folder, const fs::path& csv, int threads) {
+// work(path) for every file of the folder; the texts that it gives, in the
+// order of the files, to `out`.
+template <typename Work>
+void for_each_file(const fs::path& folder, int threads, std::FILE* out,
+                   Work work) {
   cv::setNumThreads(1);
   std::vector<fs::path> files;
   for (const auto& entry : fs::directory_iterator(folder)) {
     files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
-  vexo::region element;
-  vexo::gen_se_circle(kRadius, &element);
-  const cv::Mat disc = bench::mask_of_element(element);
-  std::FILE* const out = std::fopen(csv.string().c_str(), "wb");
-  if (out == nullptr) bench::fail("cannot write the table");
   std::atomic<size_t> next{0};
   std::mutex mutex;
   size_t written = 0;
   std::map<size_t, std::string> waiting;
-  const auto work = [&] {
+  const auto work_through = [&] {
     for (size_t i = next++; i < files.size(); i = next++) {
-      std::string table = table_of(files[i], disc);
+      std::string text = work(files[i]);
       const std::lock_guard lock(mutex);
-      waiting[i] = std::move(table);
+      waiting[i] = std::move(text);
       for (auto first = waiting.begin();
            first != waiting.end() && first->first == written;
            first = waiting.erase(first), ++written) {
@@ -147,22 +149,45 @@ void run(const fs::path& folder, const fs::path& csv, int threads) {
     }
   };
   std::vector<std::thread> helpers;
-  for (int i = 1; i < threads; ++i) helpers.emplace_back(work);
-  work();
+  for (int i = 1; i < threads; ++i) helpers.emplace_back(work_through);
+  work_through();
   for (std::thread& helper : helpers) helper.join();
+}
+
+void run(const fs::path& folder, const fs::path& csv, int threads) {
+  vexo::region element;
+  vexo::gen_se_circle(kRadius, &element);
+  const cv::Mat disc = bench::mask_of_element(element);
+  std::FILE* const out = std::fopen(csv.string().c_str(), "wb");
+  if (out == nullptr) bench::fail("cannot write the table");
+  for_each_file(folder, threads, out,
+                [&](const fs::path& path) { return table_of(path, disc); });
   std::fclose(out);
+}
+
+// What both do before anything else.
+void read(const fs::path& folder, int threads) {
+  for_each_file(folder, threads, stdout, [](const fs::path& path) {
+    const cv::Mat gray = cv::imread(path.string(), cv::IMREAD_GRAYSCALE);
+    if (gray.size() != kSize) bench::fail("a photograph cannot be read");
+    return std::string();
+  });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::string what = argc > 1 ? argv[1] : "";
-  if (what == "make" && argc == 4) {
-    make(argv[2], std::atoi(argv[3]));
+  if (what == "make" && argc == 5) {
+    make(argv[2], std::atoi(argv[3]), argv[4]);
   } else if (what == "run" && argc == 5) {
     run(argv[2], argv[3], std::max(1, std::atoi(argv[4])));
+  } else if (what == "read" && argc == 4) {
+    read(argv[2], std::max(1, std::atoi(argv[3])));
   } else {
-    std::fprintf(stderr, "usage: %s make FOLDER COUNT | run FOLDER CSV N\n",
+    std::fprintf(stderr,
+                 "usage: %s make FOLDER COUNT bmp|jpg|png | "
+                 "run FOLDER CSV N | read FOLDER N\n",
                  argv[0]);
     return 2;
   }
