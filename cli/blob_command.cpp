@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <utility>
@@ -8,8 +10,6 @@
 
 namespace rendal {
 namespace {
-
-constexpr int kLargestElement = 10000;
 
 // Options that are operations, in the order of the help.
 struct OperationOption {
@@ -76,7 +76,9 @@ FeatureLimits LimitsOf(const std::string& text) {
   const auto read = [&text](const std::string& end, double* to) {
     if (end.empty()) return;
     const std::optional<double> number = NumberFrom(end);
-    if (!number) RefuseValue("--select", text, "\"" + end + "\" is no number");
+    if (!number || std::abs(*number) > kLargestFeature) {
+      RefuseValue("--select", text, "\"" + end + "\" is no number up to 1e15");
+    }
     *to = *number;
   };
   read(text.substr(colon + 1, dots - colon - 1), &limits.min);
@@ -85,6 +87,25 @@ FeatureLimits LimitsOf(const std::string& text) {
     RefuseValue("--select", text, "its least is above its most");
   }
   return limits;
+}
+
+// A feature's limits stand once in a selection: of several the narrower hold.
+void AddLimits(const std::string& condition, Selection* selection) {
+  const FeatureLimits limits = LimitsOf(condition);
+  auto& all = selection->limits;
+  const auto same =
+      std::find_if(all.begin(), all.end(), [&](const FeatureLimits& other) {
+        return other.feature == limits.feature;
+      });
+  if (same == all.end()) {
+    all.push_back(limits);
+    return;
+  }
+  same->min = std::max(same->min, limits.min);
+  same->max = std::min(same->max, limits.max);
+  if (same->min > same->max) {
+    RefuseValue("--select", condition, "contradicts a condition before it");
+  }
 }
 
 std::optional<Step> OperationOf(const std::string& option,
@@ -119,7 +140,9 @@ void AddBlobCommand(CLI::App& app, BlobOptions& options) {
       ->type_name("MIN MAX")
       ->check(CLI::Range(0, 255));
   const std::string fill_help = "Fill holes";
-  command->add_flag(kFill, fill_help)->group(kOperationGroup);
+  command->add_flag(kFill, fill_help)
+      ->disable_flag_override()
+      ->group(kOperationGroup);
   for (const OperationOption& operation : kOperations) {
     command->add_option(operation.option, operation.help)
         ->type_name("circle:R|rect:WxH|cross:WxH")
@@ -152,8 +175,7 @@ void AddBlobCommand(CLI::App& app, BlobOptions& options) {
       ->check(CLI::IsMember({"keep", "exclude"}))
       ->group("Components");
   AddComponentOutputs(*command, options.common);
-  AddImageOutputs(*command, options.common);
-  AddRunOptions(*command, options.common);
+  AddSingleImageOptions(*command, options.common);
   command->footer(
       "Example:\n"
       "  rendal-cli blob parts.png --gray 0 130 --fill --opening circle:3 \\\n"
@@ -189,7 +211,7 @@ std::vector<Step> BlobSteps(const CLI::App& command,
   selection.exclude_border = options.border == "exclude";
   for (const std::string& conditions : options.select) {
     for (const std::string& condition : Split(conditions, ',')) {
-      selection.limits.push_back(LimitsOf(condition));
+      AddLimits(condition, &selection);
     }
   }
   if (!(selection == Selection{})) steps.push_back(SelectStep{selection});

@@ -25,11 +25,19 @@ struct CommonOptions {
   bool is_quiet = false;
 };
 
+// A number, both ends inclusive, written with a point whatever the locale.
+CLI::Option* AddNumber(CLI::App& command, const std::string& option,
+                       double& value, double min, double max,
+                       const std::string& help);
+void AddResultFile(CLI::App& command, const std::string& option,
+                   std::string& path, const std::string& help,
+                   const std::string& kind = "FILE");
 void AddRunOptions(CLI::App& command, CommonOptions& options);
 void AddComponentOutputs(CLI::App& command, CommonOptions& options);
 void AddMeasurementOutputs(CLI::App& command, CommonOptions& options);
-// --json, --overlay, --zoom, --save-recipe
-void AddImageOutputs(CLI::App& command, CommonOptions& options);
+// What the commands for one image have besides: --json, --overlay, --zoom,
+// --save-recipe and the run options.
+void AddSingleImageOptions(CLI::App& command, CommonOptions& options);
 
 // The error of a value that no option of its own can check.
 [[noreturn]] void RefuseValue(const std::string& option,
@@ -73,6 +81,16 @@ struct FindLinesOptions {
   CommonOptions common;
 };
 void AddFindLinesCommand(CLI::App& app, FindLinesOptions& options);
+
+// "rendal-cli run"
+struct RunOptions {
+  std::string recipe;
+  std::vector<std::string> images;
+  std::string out = ".";
+  CommonOptions common;
+};
+void AddRunCommand(CLI::App& app, RunOptions& options);
+ExitCode RunRecipe(const RunOptions& options);
 
 }  // namespace rendal
 

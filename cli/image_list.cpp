@@ -5,8 +5,10 @@
 #include <cctype>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "recipes/output_file.h"
 
@@ -21,6 +23,13 @@ std::string LowerCase(std::string text) {
   }
   return text;
 }
+
+// As the system compares names.
+#if defined(_WIN32)
+std::string AsMatched(std::string name) { return LowerCase(std::move(name)); }
+#else
+std::string AsMatched(std::string name) { return name; }
+#endif
 
 bool IsImageName(const fs::path& path) {
   static const std::set<std::string> kinds = {".bmp", ".jpg", ".jpeg",
@@ -41,8 +50,8 @@ std::vector<fs::path> FilesOf(const fs::path& folder, Keep keep) {
     }
   }
   if (error) {
-    throw std::runtime_error("cannot read the folder " + Utf8Of(folder) + ": " +
-                             error.message());
+    throw std::invalid_argument("cannot read the folder " + Utf8Of(folder) +
+                                ": " + error.message());
   }
   std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) {
     return a.u8string() < b.u8string();
@@ -56,11 +65,12 @@ std::vector<fs::path> ImagesOf(const std::string& argument) {
   if (fs::is_directory(path, error)) {
     std::vector<fs::path> files = FilesOf(path, IsImageName);
     if (files.empty()) {
-      throw std::runtime_error("there are no images in the folder " + argument);
+      throw std::invalid_argument("there are no images in the folder " +
+                                  argument);
     }
     return files;
   }
-  const std::string pattern = Utf8Of(path.filename());
+  const std::string pattern = AsMatched(Utf8Of(path.filename()));
   if (fs::exists(path, error) ||
       pattern.find_first_of("*?") == std::string::npos) {
     return {path};
@@ -68,9 +78,9 @@ std::vector<fs::path> ImagesOf(const std::string& argument) {
   const bool here = path.parent_path().empty();
   std::vector<fs::path> files =
       FilesOf(here ? "." : path.parent_path(), [&](const fs::path& file) {
-        return MatchesPattern(Utf8Of(file.filename()), pattern);
+        return MatchesPattern(AsMatched(Utf8Of(file.filename())), pattern);
       });
-  if (files.empty()) throw std::runtime_error("nothing matches " + argument);
+  if (files.empty()) throw std::invalid_argument("nothing matches " + argument);
   if (here) {
     for (fs::path& file : files) file = file.filename();
   }
@@ -80,6 +90,13 @@ std::vector<fs::path> ImagesOf(const std::string& argument) {
 }  // namespace
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  // Past the character at a place.
+  const auto next = [name](size_t at) {
+    do {
+      ++at;
+    } while (at < name.size() && (name[at] & 0xC0) == 0x80);
+    return at;
+  };
   size_t n = 0;
   size_t p = 0;
   size_t star = std::string_view::npos;
@@ -90,11 +107,11 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
       after_star = n;
     } else if (p < pattern.size() &&
                (pattern[p] == '?' || pattern[p] == name[n])) {
+      n = pattern[p] == '?' ? next(n) : n + 1;
       ++p;
-      ++n;
     } else if (star != std::string_view::npos) {
       p = star + 1;
-      n = ++after_star;
+      n = after_star = next(after_star);
     } else {
       return false;
     }

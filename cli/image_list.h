@@ -13,15 +13,16 @@ namespace rendal {
 //
 //   a folder         its files bmp, jpg, jpeg, png, tif and tiff, by name
 //   a pattern        with * and ? in its last part (for shells that leave
-//                    patterns alone), by name
+//                    patterns alone), by name; on Windows whatever the case
+//                    of ASCII letters
 //   anything else    the file of that name, there or not
 //
-// Throws std::runtime_error for a folder without images, and for a pattern that
-// nothing matches.
+// Throws std::invalid_argument for a folder without images or that cannot be
+// read, and for a pattern that nothing matches.
 std::vector<std::filesystem::path> ListImages(
     const std::vector<std::string>& arguments);
 
-// Whether a file name matches a pattern of * and ?, one byte each.
+// Whether a file name matches a pattern of * and ?, in UTF-8.
 bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 // What stands for {name} in the names of pictures: for each image the part

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "recipes/output_file.h"
 #include "recipes/run_step.h"
 #include "tools/console_text.h"
+#include "tools/status.h"
 
 namespace rendal {
 namespace {
@@ -36,21 +38,25 @@ void WritePng(const fs::path& path, const cv::Mat& picture) {
 // Why a file cannot be worked on; nothing if it can.
 std::string WhyNot(const fs::path& path, const Workbench& bench,
                    const LoadReport& report) {
-  std::error_code error;
+  if (report.is_cut_off) return "the file is cut off";
+  if (bench.HasImage()) return {};
   if (report.too_large) {
     const auto [width, height] = *report.too_large;
     return messages::ImageTooLarge(kEnglish, width, height,
                                    bench.m_maxImagePixels)
         .text;
   }
-  if (!fs::exists(path, error)) return "there is no such file";
-  if (report.is_cut_off) return "the file is cut off";
-  if (bench.m_srcImage.empty()) return "it is no image";
-  if (!bench.HasImage()) {
+  if (!bench.m_srcImage.empty()) {
     return "images of " + std::to_string(report.channels) +
            " channels are not supported";
   }
-  return {};
+  std::error_code error;
+  if (!fs::exists(path, error)) return "there is no such file";
+  if (!fs::is_regular_file(path, error)) return "it is no file";
+  if (!std::ifstream(WithoutLengthLimit(path), std::ios::binary)) {
+    return "it cannot be read";
+  }
+  return "it is no image";
 }
 
 // The whole picture as the dialog draws it.
@@ -126,11 +132,25 @@ class ImageRun {
 
   void WritePictures() {
     if (!m_wishes.labels.empty() && m_result.is_labelled) {
-      WritePng(m_wishes.labels, LabelPicture(m_bench.m_components,
-                                             m_result.width, m_result.height));
+      WritePicture(m_wishes.labels, [this] {
+        return LabelPicture(m_bench.m_components, m_result.width,
+                            m_result.height);
+      });
     }
     if (!m_wishes.overlay.empty()) {
-      WritePng(m_wishes.overlay, Overlay(m_bench, m_wishes.zoom));
+      WritePicture(m_wishes.overlay,
+                   [this] { return Overlay(m_bench, m_wishes.zoom); });
+    }
+  }
+
+  template <typename Draw>
+  void WritePicture(const fs::path& path, Draw draw) {
+    try {
+      WritePng(path, draw());
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      m_result.failures.push_back(error.what());
     }
   }
 
@@ -147,8 +167,6 @@ ImageResult RunImage(const std::vector<Step>& steps, const fs::path& image,
   ImageResult result;
   try {
     ImageRun(wishes, &result).Run(steps, image);
-  } catch (const OutputError&) {
-    throw;
   } catch (const std::bad_alloc&) {
     result = {};
     result.error = "out of memory";

@@ -26,7 +26,8 @@ struct ImageWishes {
 struct ImageResult {
   // Why there are no results at all; else empty.
   std::string error;
-  // What went wrong but left results: a fit that failed, with its step.
+  // What went wrong but left results: a fit that failed, with its step; a
+  // picture that cannot be written.
   std::vector<std::string> failures;
   std::vector<std::string> notes;  // what an operator should know
   int width = 0;
@@ -37,8 +38,8 @@ struct ImageResult {
   std::vector<CocoMask> masks;
 };
 
-// Never throws: what is thrown becomes the error, but for OutputError of the
-// pictures.
+// Never throws: what is thrown becomes the error. A picture that cannot be made
+// is a failure that leaves the numbers.
 ImageResult RunImage(const std::vector<Step>& steps,
                      const std::filesystem::path& image,
                      const ImageWishes& wishes);

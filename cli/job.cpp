@@ -10,14 +10,15 @@
 #include <mutex>
 #include <opencv2/core.hpp>
 #include <optional>
-#include <set>
-#include <stdexcept>
 #include <system_error>
 #include <thread>
 #include <utility>
 
+#include "cli/path_check.h"
 #include "cli/progress.h"
+#include "cli/streams.h"
 #include "cli/text_report.h"
+#include "recipes/recipe_json.h"
 #include "region/operations.h"
 
 namespace rendal {
@@ -100,9 +101,7 @@ class Reporter {
   void Finish() {
     m_progress.Clear();
     m_files.Commit();
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-      throw OutputError("cannot write to the standard output");
-    }
+    FlushStandardOutput();
   }
 
   bool HasFailures() const { return m_hasFailures; }
@@ -217,45 +216,28 @@ class Batch {
   std::exception_ptr m_failure;
 };
 
-void CheckPaths(const Job& job) {
+// What there must be before the first image.
+void Prepare(const Job& job) {
   std::error_code error;
-  const auto canonical = [&error](const fs::path& path) {
-    return fs::weakly_canonical(path, error);
-  };
-  std::set<fs::path> taken;
-  for (const JobImage& image : job.images) taken.insert(canonical(image.path));
-  const auto check = [&](const fs::path& path) {
-    // Into a pipe or a device several can write.
-    if (path.empty() ||
-        (fs::exists(path, error) && !fs::is_regular_file(path, error))) {
-      return;
-    }
-    if (!taken.insert(canonical(path)).second) {
-      throw std::invalid_argument(
-          "a result would overwrite an image or "
-          "another result: " +
-          Utf8Of(path));
-    }
-  };
-  for (const fs::path* path :
-       {&job.files.csv, &job.files.measurements, &job.files.points,
-        &job.files.json, &job.files.coco}) {
-    check(*path);
+  if (!job.folder.empty()) fs::create_directories(job.folder, error);
+  if (error) {
+    throw OutputError("cannot make the folder " + Utf8Of(job.folder) + ": " +
+                      error.message());
   }
-  for (const JobImage& image : job.images) {
-    check(image.labels);
-    check(image.overlay);
+  if (!job.saved_recipe.empty()) {
+    WriteOutput(job.saved_recipe, WriteRecipe({job.steps, {}}));
   }
 }
 
 }  // namespace
 
 ExitCode RunJob(const Job& job) {
-  CheckPaths(job);
+  RefuseOverwriting(job);
   const Threads threads(job.threads, job.images.size());
   const LibraryThreads library_threads(threads.each);
   const InterruptGuard interrupts;
   try {
+    Prepare(job);
     Reporter reporter(job);
     Batch(job, reporter).Run(threads.images);
     reporter.Finish();

@@ -38,6 +38,9 @@ struct Job {
   std::vector<Step> steps;
   std::vector<JobImage> images;
   ResultPaths files;
+  std::filesystem::path folder;        // made if missing; empty: none
+  std::filesystem::path recipe;        // that the steps are from, or empty
+  std::filesystem::path saved_recipe;  // written first; empty: none
   bool image_column = true;
   double zoom = 1;
   bool compressed_rle = false;
@@ -55,8 +58,8 @@ struct Job {
 // so far are written, and the answer is kInterrupted; a second one ends the
 // program at once.
 //
-// Throws std::invalid_argument if a result would overwrite an image or another
-// result, before anything is done.
+// Throws std::invalid_argument if a result would overwrite an image, the recipe
+// or another result, before anything is done.
 ExitCode RunJob(const Job& job);
 
 }  // namespace rendal

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
+#include <cmath>
 
 #include "cli/commands.h"
 
 namespace rendal {
-namespace {
-
-constexpr double kLargest = 1e7;  // of what the measurement library takes
-
-}  // namespace
 
 void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
   CLI::App* const command = app.add_subcommand(
@@ -32,9 +27,7 @@ void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
   CaliperParameters& p = options.parameters;
   const auto number = [command](const char* name, double& value,
                                 const char* help) {
-    command->add_option(name, value, help)
-        ->check(CLI::Range(0.0, kLargest))
-        ->capture_default_str()
+    AddNumber(*command, name, value, 0, kLargestLength, help)
         ->group("Calipers");
   };
   number("--length", p.length, "Of each caliper, along its scan [px]");
@@ -45,7 +38,7 @@ void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
   command
       ->add_option("--count", p.count,
                    "Of calipers; 0: as many as fit side by side")
-      ->check(CLI::Range(0, 10000))
+      ->check(CLI::Range(0, kMostCalipers))
       ->capture_default_str()
       ->group("Calipers");
   command
@@ -63,8 +56,7 @@ void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
       ->capture_default_str()
       ->group("Calipers");
   AddMeasurementOutputs(*command, options.common);
-  AddImageOutputs(*command, options.common);
-  AddRunOptions(*command, options.common);
+  AddSingleImageOptions(*command, options.common);
   command->footer(
       "Example:\n"
       "  rendal-cli measure parts.png --circle 195,196,70 --length 30 "
@@ -91,7 +83,7 @@ std::vector<Step> MeasureSteps(const MeasureOptions& options) {
     const std::vector<double> numbers =
         NumbersOf(shape.option, shape.text, shape.numbers);
     for (size_t i = 0; i < numbers.size(); ++i) {
-      if (std::abs(numbers[i]) > kLargest) {
+      if (std::abs(numbers[i]) > kLargestLength) {
         RefuseValue(shape.option, shape.text, "numbers are at most 1e7");
       }
       step.roi.values[i] = static_cast<float>(numbers[i]);
@@ -114,8 +106,7 @@ void AddFindLinesCommand(CLI::App& app, FindLinesOptions& options) {
       ->check(CLI::Range(1, 3))
       ->capture_default_str();
   AddMeasurementOutputs(*command, options.common);
-  AddImageOutputs(*command, options.common);
-  AddRunOptions(*command, options.common);
+  AddSingleImageOptions(*command, options.common);
   command->footer(
       "Example:\n  rendal-cli find-lines edge.png --json edge.json");
 }

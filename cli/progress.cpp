@@ -7,24 +7,12 @@
 #include <locale>
 #include <sstream>
 
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 namespace rendal {
 namespace {
 
 constexpr std::chrono::milliseconds kPeriod(200);
 
 }  // namespace
-
-#if defined(_WIN32)
-bool IsErrorTerminal() { return _isatty(2) != 0; }
-#else
-bool IsErrorTerminal() { return isatty(STDERR_FILENO) != 0; }
-#endif
 
 Progress::Progress(size_t images, bool is_shown)
     : m_images(images), m_isShown(is_shown) {}

@@ -8,9 +8,6 @@
 
 namespace rendal {
 
-// Whether somebody looks at the standard error stream.
-bool IsErrorTerminal();
-
 // One line on a terminal that tells how far a run is; nothing anywhere else.
 class Progress {
  public:

@@ -16,6 +16,13 @@
 
 namespace rendal {
 
+// The largest of each that a recipe may hold, and the command line take.
+inline constexpr double kLargestLength = 1e7;  // coordinates, parameters
+inline constexpr double kLargestFeature = 1e15;
+inline constexpr int kLargestElement = 10000;
+inline constexpr int kMostCalipers = 10000;
+inline constexpr double kLargestZoom = 128;  // and its inverse the smallest
+
 struct ThresholdStep {
   GrayBand band;
   bool operator==(const ThresholdStep&) const = default;

@@ -106,19 +106,21 @@ std::vector<double> RecipeFields::Numbers(const std::string& key, size_t count,
 
 void RecipeFields::Range(const std::string& key, double* min, double* max) {
   const json& value = Need(key);
-  constexpr double kMost = 1e15;
   if (!value.is_array() || value.size() != 2) {
     throw RecipeError(PlaceOf(key),
                       "must be a list of the least and the most, either null");
   }
   if (!value[0].is_null()) {
-    *min = NumberAt(value[0], PlaceOf(key) + "[0]", -kMost, kMost);
+    *min = NumberAt(value[0], PlaceOf(key) + "[0]", -kLargestFeature,
+                    kLargestFeature);
   }
   if (!value[1].is_null()) {
-    *max = NumberAt(value[1], PlaceOf(key) + "[1]", -kMost, kMost);
+    *max = NumberAt(value[1], PlaceOf(key) + "[1]", -kLargestFeature,
+                    kLargestFeature);
   }
-  if (*min > *max)
+  if (*min > *max) {
     throw RecipeError(PlaceOf(key), "its least is above its most");
+  }
 }
 
 void RecipeFields::RefuseOthers() const {

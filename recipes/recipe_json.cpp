@@ -2,12 +2,12 @@
 #include "recipes/recipe_json.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 
+#include "recipes/json_text.h"
 #include "recipes/number_text.h"
 #include "recipes/recipe_fields.h"
 
@@ -16,11 +16,6 @@ namespace {
 
 using nlohmann::json;
 using nlohmann::ordered_json;
-
-constexpr double kLargest = 1e7;  // of what the measurement library takes
-constexpr int kLargestElement = 10000;
-constexpr int kMostCalipers = 10000;
-constexpr double kLargestZoom = 128;
 
 // A region of interest: its key, its kind, how many numbers it has.
 struct RoiKey {
@@ -42,30 +37,6 @@ constexpr const char* kBoundaryTypes[] = {"inner", "inner_filled", "outer"};
 constexpr const char* kDirections[] = {"+", "-"};
 constexpr const char* kBorders[] = {"keep", "exclude"};
 constexpr const char* kRleForms[] = {"uncompressed", "compressed"};
-
-// Parses, and refuses a key that an object has twice.
-json Parse(std::string_view text) {
-  std::vector<std::set<std::string>> keys;
-  const auto check = [&keys](int, json::parse_event_t event, json& parsed) {
-    if (event == json::parse_event_t::object_start) keys.emplace_back();
-    if (event == json::parse_event_t::object_end) keys.pop_back();
-    if (event == json::parse_event_t::key &&
-        !keys.back().insert(parsed.get<std::string>()).second) {
-      throw RecipeError(parsed.get<std::string>(), "is given twice");
-    }
-    return true;
-  };
-  try {
-    return json::parse(text.begin(), text.end(), check);
-  } catch (const json::exception& error) {
-    const std::string what = error.what();
-    // Without the library's own "[json.exception...] ".
-    const size_t end = what.find("] ");
-    throw RecipeError(
-        "",
-        "no JSON: " + (end == std::string::npos ? what : what.substr(end + 2)));
-  }
-}
 
 RegionSource ReadSource(RecipeFields& fields) {
   return fields.Choice("from", kSources, 0) == 0 ? RegionSource::kPrevious
@@ -147,7 +118,7 @@ RoiShape ReadRoi(RecipeFields& fields) {
     found = &key;
     roi.kind = static_cast<uint8_t>(key.kind);
     const std::vector<double> numbers =
-        fields.Numbers(key.key, key.numbers, -kLargest, kLargest);
+        fields.Numbers(key.key, key.numbers, -kLargestLength, kLargestLength);
     std::transform(numbers.begin(), numbers.end(), roi.values,
                    [](double v) { return static_cast<float>(v); });
   }
@@ -162,11 +133,11 @@ Step ReadMeasure(RecipeFields& fields) {
   MeasureStep step;
   step.roi = ReadRoi(fields);
   CaliperParameters& p = step.parameters;
-  p.length = fields.Number("length", 0, kLargest, p.length);
-  p.width = fields.Number("width", 0, kLargest, p.width);
-  p.amplitude = fields.Number("amplitude", 0, kLargest, p.amplitude);
-  p.sigma = fields.Number("sigma", 0, kLargest, p.sigma);
-  p.reps = fields.Number("reps", 0, kLargest, p.reps);
+  p.length = fields.Number("length", 0, kLargestLength, p.length);
+  p.width = fields.Number("width", 0, kLargestLength, p.width);
+  p.amplitude = fields.Number("amplitude", 0, kLargestLength, p.amplitude);
+  p.sigma = fields.Number("sigma", 0, kLargestLength, p.sigma);
+  p.reps = fields.Number("reps", 0, kLargestLength, p.reps);
   p.count = fields.Integer("count", 0, kMostCalipers, p.count);
   p.direction = ScanDirection(
       static_cast<int>(fields.Choice("direction", kDirections, 0)));
@@ -197,16 +168,23 @@ Step ReadStep(const json& value, const std::string& place) {
   return step;
 }
 
-// Names that mean a device on some system.
-bool IsReserved(std::string name) {
-  name = name.substr(0, name.find('.'));
-  for (char& c : name) {
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+// Only of what is not beyond ASCII.
+std::string UpperCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   }
-  static const std::set<std::string> devices = {"CON", "PRN", "AUX", "NUL"};
-  return devices.count(name) != 0 ||
-         (name.size() == 4 &&
-          (name.starts_with("COM") || name.starts_with("LPT")));
+  return text;
+}
+
+// Names that mean a device on some system, whatever follows the first point.
+bool IsReserved(const std::string& name) {
+  std::string base = UpperCase(name.substr(0, name.find('.')));
+  base.erase(base.find_last_not_of(' ') + 1);
+  static const std::set<std::string> devices = {"CON", "PRN",    "AUX",
+                                                "NUL", "CONIN$", "CONOUT$"};
+  return devices.count(base) != 0 ||
+         (base.size() == 4 &&
+          (base.starts_with("COM") || base.starts_with("LPT")));
 }
 
 bool IsPlainName(const std::string& name) {
@@ -223,7 +201,6 @@ bool IsPlainName(const std::string& name) {
 std::string ReadFileName(RecipeFields& fields, const char* key, bool pattern) {
   if (!fields.Has(key)) return {};
   std::string name = fields.Text(key);
-  fields.Find(key);
   if (!IsPlainName(name)) {
     throw RecipeError(fields.PlaceOf(key),
                       "must be a plain file name, without a folder");
@@ -242,7 +219,8 @@ Outputs ReadOutputs(const json& value) {
   std::set<std::string> names;
   const auto read = [&](const char* key, std::string* name, bool pattern) {
     *name = ReadFileName(fields, key, pattern);
-    if (!name->empty() && !names.insert(*name).second) {
+    // Some systems do not tell "a" from "A".
+    if (!name->empty() && !names.insert(UpperCase(*name)).second) {
       throw RecipeError(fields.PlaceOf(key), "another output has this name");
     }
   };
@@ -375,7 +353,9 @@ void CheckSteps(const std::vector<Step>& steps) {
 }
 
 Recipe ReadRecipe(std::string_view text) {
-  const json document = Parse(text);
+  if (text.size() > kLongestRecipe)
+    throw RecipeError("", "is no recipe: it is too long");
+  const json document = ParseJson(text);
   RecipeFields fields(document, "");
   if (fields.Integer("version", 0, 1000000) != kRecipeVersion) {
     throw RecipeError("version", "only version 1 is known");

@@ -13,6 +13,8 @@
 namespace rendal {
 
 inline constexpr int kRecipeVersion = 1;
+// Bytes; a recorded step takes about 100.
+inline constexpr size_t kLongestRecipe = size_t{16} << 20;
 
 // What is wrong with a recipe and where: "steps[2].radius: must be ...".
 class RecipeError : public std::runtime_error {
@@ -21,9 +23,10 @@ class RecipeError : public std::runtime_error {
       : std::runtime_error(place.empty() ? what : place + ": " + what) {}
 };
 
-// Throws RecipeError for text that is no JSON, for fields that are missing,
-// unknown, given twice, of a wrong type or out of range, for steps that nothing
-// leads up to, and for file names that are more than names.
+// Throws RecipeError for text that is no JSON or longer than kLongestRecipe,
+// for fields that are missing, unknown, given twice, of a wrong type or out of
+// range, for steps that nothing leads up to, and for file names that are more
+// than names.
 Recipe ReadRecipe(std::string_view text);
 
 // Reads back as the same recipe.
