@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "cli/commands.h"
-#include "cli/streams.h"
+#include "cli/system.h"
 #include "recipes/output_file.h"
 
 namespace rendal {

@@ -16,7 +16,7 @@
 
 #include "cli/path_check.h"
 #include "cli/progress.h"
-#include "cli/streams.h"
+#include "cli/system.h"
 #include "cli/text_report.h"
 #include "recipes/recipe_json.h"
 #include "region/operations.h"

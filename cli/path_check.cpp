@@ -5,28 +5,14 @@
 #include <system_error>
 #include <unordered_set>
 
+#include "cli/system.h"
 #include "recipes/output_file.h"
-
-#if defined(_WIN32)
-#include <windows.h>
-#endif
 
 namespace rendal {
 namespace {
 
 namespace fs = std::filesystem;
 using Key = fs::path::string_type;
-
-#if defined(_WIN32)
-Key WithoutCase(Key path) {
-  LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, path.data(),
-                static_cast<int>(path.size()), path.data(),
-                static_cast<int>(path.size()), nullptr, nullptr, 0);
-  return path;
-}
-#else
-Key WithoutCase(Key path) { return path; }
-#endif
 
 // The same for all names of a file, whether it is there or not.
 Key KeyOf(const fs::path& path) {

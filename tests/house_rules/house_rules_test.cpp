@@ -107,8 +107,9 @@ const Layers& IncludesAllowed() {
 
 // Headers of others, by the folders that may see them.
 const Layers& SystemHeaders() {
-  static const std::set<std::string> windows = {"app/", "controls/", "mfc/",
-                                                "res/", "tests/",    "bench/"};
+  static const std::set<std::string> windows = {
+      "app/",   "controls/", "mfc/",          "res/",
+      "tests/", "bench/",    "cli/system.cpp"};
   static const Layers headers = {
       {"windows.h", windows},
       {"commctrl.h", windows},

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 namespace rendal {
@@ -110,6 +111,11 @@ const Refusal kRefusals[] = {
     {R"({"version": 1, "steps": [{"do": "find_line"}], "step": 1})",
      "step: is not known here"},
     {R"({"version": 1, "version": 1})", "version: is given twice"},
+    {WithSteps(R"({"do": "find_line"}, {"do": "measure",
+                  "line": [1, 2, {"a": [], "a": 1}, 4]})"),
+     "steps[1].line[2].a: is given twice"},
+    {WithSteps(R"([], [[1, {}], {"do": 1, "do": 1}])"),
+     "steps[1][1].do: is given twice"},
     {WithSteps(R"({"do": "run", "command": "x"})"),
      "steps[0].do: there is no tool \"run\""},
     {WithSteps(R"({})"), "steps[0].do: is missing"},
@@ -189,10 +195,59 @@ const Refusal kRefusals[] = {
      "outputs.json: another output has this name"},
     {WithOutputs(R"({"zoom": 0})"),
      "outputs.zoom: must be a number from 0.0078125 to 128"},
+    {WithOutputs(R"({"csv": "a", "json": "A"})"),
+     "outputs.json: another output has this name"},
+    {WithOutputs(R"({"csv": "a", "points": "{name}"})"),
+     "outputs.points: is one file for all images: no {name}"},
+    {WithOutputs(R"({"rle": "packed"})"),
+     "outputs.rle: must be one of \"uncompressed\", \"compressed\""},
+    {WithOutputs("[]"), "outputs: must be an object"},
     {WithOutputs(R"({"exec": "a"})"), "outputs.exec: is not known here"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Refusals, RecipeRefused, testing::ValuesIn(kRefusals));
+
+TEST(RecipeJson, NamesThatLeaveTheFolderOrMeanADeviceAreRefused) {
+  for (const char* name :
+       {".",        "..",     ".hidden",  "a.",     "a ",         "/a",
+        "a/b",      "a\\\\b", "C:a",      "a*",     "a?",         "a|b",
+        "<a",       "a>",     "a\\u0000", "a\\nb",  "CON",        "con.csv",
+        "Nul .csv", "COM1",   "lpt9.x.y", "CONIN$", "conout$.csv"}) {
+    EXPECT_EQ(ErrorOf(WithOutputs(std::string(R"({"csv": ")") + name + "\"}")),
+              "outputs.csv: must be a plain file name, without a folder")
+        << name;
+  }
+  for (const char* name : {"a", "a b", "con1", "com10.csv", "nul_a", "..a"}) {
+    EXPECT_EQ(ErrorOf(WithOutputs(std::string(R"({"csv": ")") + name + "\"}")),
+              std::string(name) == "..a"
+                  ? "outputs.csv: must be a plain file name, without a folder"
+                  : "")
+        << name;
+  }
+  EXPECT_EQ(
+      ErrorOf(WithOutputs(R"({"csv": ")" + std::string(200, 'a') + "\"}")), "");
+  EXPECT_NE(
+      ErrorOf(WithOutputs(R"({"csv": ")" + std::string(201, 'a') + "\"}")), "");
+}
+
+TEST(RecipeJson, AByteOrderMarkIsNoPartOfTheText) {
+  const std::string recipe = WithSteps(R"({"do": "find_line"})");
+  EXPECT_EQ(ErrorOf("\xEF\xBB\xBF" + recipe), "");
+  EXPECT_NE(ErrorOf("\xEF\xBB" + recipe), "");
+  EXPECT_NE(ErrorOf("\xFF\xFE" + recipe), "");
+}
+
+TEST(RecipeJson, LimitsOfASelectionMayBeOpen) {
+  const Recipe recipe =
+      ReadRecipe(WithSteps(std::string(kThreshold) + R"(, {"do": "connection"},
+                {"do": "select", "area": [null, 9], "x": [-1e15, null]})"));
+  const auto& limits = std::get<SelectStep>(recipe.steps[2]).selection.limits;
+  ASSERT_EQ(limits.size(), 2u);
+  EXPECT_EQ(limits[0].min, -std::numeric_limits<double>::infinity());
+  EXPECT_EQ(limits[0].max, 9);
+  EXPECT_EQ(limits[1].min, -1e15);
+  EXPECT_EQ(limits[1].max, std::numeric_limits<double>::infinity());
+}
 
 TEST(RecipeJson, TextThatIsNoJsonIsRefusedWithItsLine) {
   const std::string error = ErrorOf("{\"version\": 1,\n\"steps\": [}");
@@ -201,6 +256,14 @@ TEST(RecipeJson, TextThatIsNoJsonIsRefusedWithItsLine) {
   EXPECT_NE(ErrorOf(""), "");
   EXPECT_NE(ErrorOf(std::string("{\0}", 3)), "");
   EXPECT_NE(ErrorOf(std::string(200000, '[')), "");
+  EXPECT_EQ(ErrorOf(std::string(200000, '[') + std::string(200000, ']')),
+            "must be an object");
+  EXPECT_NE(ErrorOf(WithSteps("1e999")), "");
+  // Neither half a character nor half a pair of them.
+  EXPECT_NE(ErrorOf(WithOutputs("{\"csv\": \"\xC3(\"}")), "");
+  EXPECT_NE(ErrorOf(WithOutputs(R"({"csv": "\ud800"})")), "");
+  EXPECT_EQ(ErrorOf(std::string(kLongestRecipe + 1, ' ')),
+            "is no recipe: it is too long");
 }
 
 }  // namespace
