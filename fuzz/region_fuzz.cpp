@@ -240,7 +240,7 @@ void read_settings(Bytes& in) {
   constexpr morphology_form kForms[] = {
       morphology_form::cheapest, morphology_form::keys,
       morphology_form::strips,   morphology_form::bits,
-      morphology_form::plain,    morphology_form::cheapest,
+      morphology_form::plain,    morphology_form::candidates,
       morphology_form::cheapest, morphology_form::cheapest};
   const int b = in.next();
   vexo::internal::set_thread_limit(kThreads[b & 3]);

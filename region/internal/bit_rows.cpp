@@ -93,26 +93,6 @@ VEXO_INLINE bool reaches_body(const int32_t* begins, const int32_t* ends,
   return false;
 }
 
-VEXO_INLINE size_t count_reaching_body(const int32_t* begins,
-                                       const int32_t* ends, size_t count,
-                                       int64_t length) {
-  if (length > UINT32_MAX) return 0;
-  const auto least = static_cast<uint32_t>(length);
-  size_t reaching = 0;
-  constexpr size_t kBatch = 1024;
-  for (size_t i = 0; i < count;) {
-    const size_t last = std::min(count, i + kBatch);
-    uint32_t some = 0;
-    for (; i < last; ++i) {
-      some +=
-          static_cast<uint32_t>(ends[i]) - static_cast<uint32_t>(begins[i]) >=
-          least;
-    }
-    reaching += some;
-  }
-  return reaching;
-}
-
 VEXO_INLINE void dilate_strip_body(const int32_t* begins, const int32_t* ends,
                                    size_t length, const int32_t* element_begins,
                                    const int32_t* element_ends, size_t height,
@@ -366,11 +346,6 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
                                  size_t count, int64_t length) {               \
     return reaches_body(begins, ends, count, length);                          \
   }                                                                            \
-  attribute size_t count_reaching_##width(const int32_t* begins,               \
-                                          const int32_t* ends, size_t count,   \
-                                          int64_t length) {                    \
-    return count_reaching_body(begins, ends, count, length);                   \
-  }                                                                            \
   attribute size_t count_runs_##width(const uint64_t* bits, size_t words) {    \
     return count_runs_body(bits, words);                                       \
   }                                                                            \
@@ -424,13 +399,13 @@ VEXO_INLINE void merge_body(const uint64_t* from, uint64_t* const* into,
     merge_body<subtract>(from, into, count, words);                            \
   }                                                                            \
   constexpr bit_kernels kKernels_##width = {                                   \
-      dilate_strip_##width, mark_runs_##width,      fill_between_##width,      \
-      row_end_##width,      are_canonical_##width,  span_##width,              \
-      reaches_##width,      count_reaching_##width, count_runs_##width,        \
-      write_runs_##width,   spread_or_##width,      spread_and_##width,        \
-      move_##width,         inner_edge_##width,     outer_edge_##width,        \
-      join_or_##width,      join_and_##width,       merge_or_##width,          \
-      merge_and_##width,    merge_and_not_##width};
+      dilate_strip_##width, mark_runs_##width,     fill_between_##width,       \
+      row_end_##width,      are_canonical_##width, span_##width,               \
+      reaches_##width,      count_runs_##width,    write_runs_##width,         \
+      spread_or_##width,    spread_and_##width,    move_##width,               \
+      inner_edge_##width,   outer_edge_##width,    join_or_##width,            \
+      join_and_##width,     merge_or_##width,      merge_and_##width,          \
+      merge_and_not_##width};
 
 VEXO_KERNELS(plain, , mask_of_plain, expand_plain)
 

@@ -44,11 +44,9 @@ struct bit_kernels {
   // Lowers *min to the smallest begin, raises *max to the greatest end.
   void (*span)(const int32_t* begins, const int32_t* ends, size_t count,
                int32_t* min, int32_t* max);
-  // Whether some end - begin is at least `length`, and how many are.
+  // Whether some end - begin is at least `length`.
   bool (*reaches)(const int32_t* begins, const int32_t* ends, size_t count,
                   int64_t length);
-  size_t (*count_reaching)(const int32_t* begins, const int32_t* ends,
-                           size_t count, int64_t length);
 
   // The number of runs of ones, and the runs themselves; column 0 of the row
   // is column `origin`. write_runs() returns their number.

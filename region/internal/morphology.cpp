@@ -7,6 +7,7 @@
 
 #include "region/internal/bit_lines.h"
 #include "region/internal/bit_morphology.h"
+#include "region/internal/candidate_erosion.h"
 #include "region/internal/key_morphology.h"
 #include "region/internal/parallel.h"
 #include "region/internal/plain_morphology.h"
@@ -108,8 +109,11 @@ class morphology {
     return !strips_possible() && 8 * all.runs * element_runs < bit_cost(all);
   }
 
+  // In nanoseconds, on one thread.
+  double cost() const { return least_cost(load_of_all()); }
+
   run_buffer run() const {
-    const size_t worth = pieces_worth(least_cost(load_of_all()));
+    const size_t worth = pieces_worth(cost());
     const std::vector<band> bands = bands_of(rows_, element_extent_, worth);
     // One thread appends band after band to one list and copies nothing.
     const size_t pieces = worth == 1 ? 1 : std::min(bands.size(), 4 * worth);
@@ -254,6 +258,18 @@ bool nothing_fits(const run_view& source, const element_runs& element) {
   return !kernels().reaches(source.begins, source.ends, source.count, longest);
 }
 
+// The cost of the other forms, as candidates are to see it: elements of few
+// runs leave too many candidates.
+double cost_beside_candidates(const element_runs& element, double others) {
+  constexpr size_t kFewRuns = 12;
+  const morphology_form form = g_form.load();
+  if (form == morphology_form::candidates)
+    return std::numeric_limits<double>::infinity();
+  return form == morphology_form::cheapest && element.size() >= kFewRuns
+             ? others
+             : 0;
+}
+
 }  // namespace
 
 void set_morphology_form(morphology_form form) { g_form.store(form); }
@@ -288,6 +304,10 @@ run_buffer erode(const run_view& runs, const element_runs& element) {
     return plain_erode(source, element);
   const morphology work(morphology::kind::erosion, source, from, rows,
                         mirrored);
+  run_buffer result;
+  const double others = cost_beside_candidates(element, work.cost());
+  if (candidate_erosion(source, rows, element).run(others, &result))
+    return result;
   return work.better_plain() ? plain_erode(source, element) : work.run();
 }
 

@@ -23,7 +23,8 @@ enum class morphology_form {
   keys,      // where the element allows it, else strips or bits
   strips,    // where the element allows it, else bits
   bits,
-  plain
+  plain,
+  candidates  // erosions; dilations by strips or bits
 };
 
 // For tests and benches. Not to be called while an operation runs.

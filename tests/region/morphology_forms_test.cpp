@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The forms in which dilation and erosion are carried out, against each other
-// and against the pixels: strips, bits of every vector width, plain; one thread
-// and many.
+// and against the pixels: strips, bits of every vector width, plain,
+// candidates; one thread and many.
 #include <gtest/gtest.h>
 
 #include "region/internal/morphology.h"
@@ -57,7 +57,8 @@ TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
     const Runs eroded = oracle_erode(pixels, steps).runs();
     for (const morphology_form form :
          {morphology_form::keys, morphology_form::strips, morphology_form::bits,
-          morphology_form::plain, morphology_form::cheapest}) {
+          morphology_form::plain, morphology_form::candidates,
+          morphology_form::cheapest}) {
       SCOPED_TRACE(static_cast<int>(form));
       vexo::internal::set_morphology_form(form);
       const Results results = results_of(source, element);
@@ -68,8 +69,9 @@ TEST_F(MorphologyForms, AllAgreeWithThePixelOracle) {
 }
 
 constexpr morphology_form kForms[] = {
-    morphology_form::cheapest, morphology_form::keys, morphology_form::strips,
-    morphology_form::bits, morphology_form::plain};
+    morphology_form::cheapest, morphology_form::keys,
+    morphology_form::strips,   morphology_form::bits,
+    morphology_form::plain,    morphology_form::candidates};
 
 // Larger than any vector, several bands high, with rows and columns of nothing.
 region large_region(uint64_t seed) {
