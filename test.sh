@@ -31,7 +31,7 @@ for argument in "$@"; do
     *) usage_error "unknown option '$argument' (see ./test.sh --help)" ;;
   esac
 done
-[ ${#runners[@]} -gt 0 ] || runners=(native asan tsan windows)
+[ ${#runners[@]} -gt 0 ] || runners=(native windows asan tsan)
 
 cd -- "$setup_root"
 mkdir -p build
@@ -57,15 +57,13 @@ run_preset() {
   printf '%s %s\n' "$passed" "$((all - passed))" >"build/$preset.count"
 }
 
-run_native() {
-  build_preset native
-  run_preset native
-}
+prepare_native() { build_preset native; }
+run_native() { run_preset native; }
 
 # Requests for absurd amounts of memory are tested: they must fail as they do
 # without the sanitizer.
+prepare_asan() { build_preset native-asan; }
 run_asan() {
-  build_preset native-asan
   export ASAN_OPTIONS=allocator_may_return_null=1:detect_leaks=1
   ASAN_OPTIONS+=:strict_string_checks=1:check_initialization_order=1
   # Off: GCC lays its stand-in for the stack where 64-byte vectors cannot lie.
@@ -74,8 +72,8 @@ run_asan() {
   run_preset native-asan
 }
 
+prepare_tsan() { build_preset native-tsan; }
 run_tsan() {
-  build_preset native-tsan
   export TSAN_OPTIONS=allocator_may_return_null=1:halt_on_error=1
   TSAN_OPTIONS+=:second_deadlock_stack=1
   run_preset native-tsan
@@ -86,11 +84,14 @@ end_windows() {
   stop_display
 }
 
-run_windows() {
+prepare_windows() {
   # Windows of another run must not be met, so this has its own session.
   export RENDAL_WINEPREFIX=$PWD/build/wine-test
   . setup/environment.sh
   build_preset windows
+}
+
+run_windows() {
   trap end_windows EXIT
   start_display "$PWD/build/display"
   rendal_wine_start || fail "Wine did not start"
@@ -98,6 +99,38 @@ run_windows() {
   setup/run_under_wine.sh build/windows/bin/rendal_operator.exe desktop \
     >/dev/null 2>&1 </dev/null &
   run_preset windows
+}
+
+# prepare_ahead RUNNER...: prepares these while another one is at work, in the
+# time that it leaves: tests of windows wait more than they compute. What fails
+# here is tried again, and told, when the runner's turn comes.
+prepare_ahead() {
+  set -m
+  (
+    set +m
+    for runner in "$@"; do
+      claim "$runner" || continue
+      ("prepare_$runner") || true
+      touch "build/ahead/$runner/done"
+    done
+  ) >build/ahead.log 2>&1 </dev/null &
+  ahead=$!
+  set +m
+  renice -n 19 -g "$ahead" >/dev/null 2>&1 || true
+  trap 'kill -- "-$ahead" 2>/dev/null || true' EXIT
+}
+
+# claim RUNNER: whether nobody has begun to prepare it.
+claim() { mkdir -- "build/ahead/$1" 2>/dev/null; }
+
+# prepare RUNNER: in its turn; waits if that has begun.
+prepare() {
+  if ! claim "$1"; then
+    until [ -e "build/ahead/$1/done" ] || ! kill -0 "$ahead" 2>/dev/null; do
+      sleep 0.2
+    done
+  fi
+  "prepare_$1"
 }
 
 trap 'exit 130' INT
@@ -113,6 +146,9 @@ fi
 
 passed=0
 failed=0
+rm -rf -- build/ahead
+mkdir -- build/ahead
+[ ${#runners[@]} -eq 1 ] || prepare_ahead "${runners[@]:1}"
 for runner in "${runners[@]}"; do
   preset=native-$runner
   case $runner in native | windows) preset=$runner ;; esac
@@ -123,6 +159,7 @@ for runner in "${runners[@]}"; do
   set +e
   (
     set -e
+    prepare "$runner"
     "run_$runner"
   )
   set -e
