@@ -4,7 +4,7 @@
 # Installs what is missing, builds the workbench and opens it on an image.
 #
 #   ./run.sh [IMAGE] [--min G] [--max G] [--out DIR] [--headless]
-#   ./run.sh --round | --monkey SEED   [--out DIR]
+#   ./run.sh --round | --monkey SEED | --responsiveness   [--out DIR]
 #
 #   IMAGE        bmp, jpg, tif or png; a photograph of coins if none is given
 #   --min G      darkest grey value of the band, 0 to 255
@@ -17,6 +17,7 @@
 #                the line finder, the view; what must be seen is checked
 #   --monkey SEED      20000 random clicks, drags, spins, texts and loads; a seed
 #                does the same again. Says what the program held all the while.
+#   --responsiveness   from click to repainted view, on 20 megapixels
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/setup/common.sh"
 . "$setup_root/setup/build.sh"
@@ -53,7 +54,7 @@ while [ $# -gt 0 ]; do
       shift
       ;;
     --headless) headless=yes ;;
-    --round) drive=(round) ;;
+    --round | --responsiveness) drive=("${1#--}") ;;
     --monkey)
       [[ ${2:-} =~ ^[0-9]{1,9}$ ]] || usage_error "--monkey needs a seed"
       drive=(monkey "$2" 20000)

@@ -15,6 +15,7 @@
 #include "tests/windows/days_round.h"
 #include "tests/windows/monkey.h"
 #include "tests/windows/operator.h"
+#include "tests/windows/responsiveness.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ constexpr char kUsage[] =
     "  round FOLDER        starts the program and works it for a whole day;\n"
     "                      pictures and texts are left in the folder\n"
     "  monkey SEED EVENTS  starts the program and does random things\n"
+    "  responsiveness      starts the program and times clicks\n"
     "  desktop             keeps Wine's desktop until it is ended\n";
 
 void Print(const std::wstring& text) { std::puts(Utf8(text).c_str()); }
@@ -162,6 +164,8 @@ bool Run(const std::vector<std::wstring>& words) {
     rendal_test::WorkDaysRound(words[1]);
   } else if (step == L"monkey" && words.size() == 3) {
     PlayMonkey(words[1], words[2]);
+  } else if (step == L"responsiveness" && words.size() == 1) {
+    rendal_test::MeasureResponsiveness();
   } else if (step == L"desktop" && words.size() == 1) {
     KeepDesktop();
   } else {

@@ -27,8 +27,9 @@ bool SamePixels(const cv::Mat& a, const cv::Mat& b) {
 
 }  // namespace
 
-cv::Mat ScreenOf(HWND window) {
-  const RECT place = PlaceOf(window);
+cv::Mat ScreenOf(HWND window) { return ScreenPart(PlaceOf(window)); }
+
+cv::Mat ScreenPart(const RECT& place) {
   const int width = place.right - place.left;
   const int height = place.bottom - place.top;
   BITMAPINFO format = {};

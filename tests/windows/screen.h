@@ -15,6 +15,9 @@ namespace rendal_test {
 // lies over the window is seen, too.
 cv::Mat ScreenOf(HWND window);
 
+// The same of a part of the screen.
+cv::Mat ScreenPart(const RECT& place);
+
 // Waits until the window stands still and writes it as PNG.
 void SaveScreen(HWND window, const std::filesystem::path& path);
 
