@@ -29,6 +29,8 @@ void OpenImageWindow(CWnd& host, const cv::Mat& picture,
 
 void ShowInImageWindow(const cv::Mat& picture) {
   cv::imshow(kWindowName, picture);
+  // Now, before whatever else waits to be painted.
+  ::UpdateWindow(NativeWindow());
 }
 
 void CloseImageWindow() {

@@ -156,6 +156,7 @@ BOOL CRendalDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
     return rendal::Status{};
   }));
   std::fflush(stdout);
+  if (HIWORD(wParam) == 0) RefreshSoon();
   return handled;
 }
 

@@ -160,6 +160,7 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   void SetToolMode(rendal::ToolMode mode);
   void ApplyOperation(rendal::RegionOperation operation);
   void Refresh();
+  void RefreshSoon();
   static void OnViewMouse(int event, int x, int y, int flags, void* dialog);
 
   rendal::GrayBand ReadGrayBand() const;

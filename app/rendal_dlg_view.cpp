@@ -64,6 +64,11 @@ void CRendalDlg::StartRefresh() {
   SetTimer(kRefreshTimer, kRefreshPeriodMs, nullptr);
 }
 
+// What a click changed need not wait for the next tick.
+void CRendalDlg::RefreshSoon() {
+  if (m_redraw > 0) ::PostMessageW(m_hWnd, WM_TIMER, kRefreshTimer, 0);
+}
+
 void CRendalDlg::OnTimer(UINT_PTR id) {
   if (id == kRefreshTimer) Refresh();
   CDialogEx::OnTimer(id);

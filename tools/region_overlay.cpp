@@ -17,51 +17,76 @@ constexpr std::array<std::array<int32_t, 3>, kPaletteSize> kPalette = {{
 }};
 // clang-format on
 
+// What the items hold together.
+struct Extent {
+  size_t count = 0;
+  int32_t first_row = INT32_MAX;
+  int32_t last_row = INT32_MIN;
+  bool is_ordered = true;  // by row, one item behind the other
+};
+
+Extent ExtentOf(const std::vector<OverlayItem>& items) {
+  Extent all;
+  int32_t previous = INT32_MIN;
+  for (const OverlayItem& item : items) {
+    all.count += item.chords.size();
+    for (const vexo::chord& c : item.chords) {
+      all.first_row = std::min(all.first_row, c.row);
+      all.last_row = std::max(all.last_row, c.row);
+      all.is_ordered &= c.row >= previous;
+      previous = c.row;
+    }
+  }
+  return all;
+}
+
+// Hands every chord to `visit`, labelled with its item's number.
+template <typename Visit>
+void VisitLabelled(const std::vector<OverlayItem>& items, Visit visit) {
+  for (size_t i = 0; i < items.size(); ++i) {
+    const int32_t number = static_cast<int32_t>(i);
+    for (const vexo::chord& c : items[i].chords) {
+      visit(vexo::chord{c.col_begin, c.col_end, c.row, number});
+    }
+  }
+}
+
 // Sorts by 16 bits of the row, otherwise leaving the order as it is. `for_each`
 // hands every chord to its argument, in order, as often as it is called.
 template <typename ForEach>
-std::vector<vexo::chord> SortByDigit(size_t count, uint32_t first, int shift,
+std::vector<vexo::chord> SortByDigit(const Extent& extent, int shift,
                                      ForEach for_each) {
-  constexpr uint32_t kDigits = 1u << 16;
+  constexpr uint32_t kLastDigit = (1u << 16) - 1;
+  const uint32_t first = static_cast<uint32_t>(extent.first_row);
   const auto digit = [first, shift](const vexo::chord& c) {
-    return ((static_cast<uint32_t>(c.row) - first) >> shift) & (kDigits - 1);
+    return ((static_cast<uint32_t>(c.row) - first) >> shift) & kLastDigit;
   };
-  std::vector<size_t> next(kDigits + 1);
+  const uint32_t range = static_cast<uint32_t>(extent.last_row) - first;
+  std::vector<size_t> next(std::min(range, kLastDigit) + 2);
   for_each([&](const vexo::chord& c) { ++next[digit(c) + 1]; });
   std::partial_sum(next.begin(), next.end(), next.begin());
-  std::vector<vexo::chord> sorted(count);
+  std::vector<vexo::chord> sorted(extent.count);
   for_each([&](const vexo::chord& c) { sorted[next[digit(c)]++] = c; });
   return sorted;
 }
 
-// The chords of all items by row, within a row in the items' order, labelled
-// with their item's number. A radix sort whose first pass reads the items and
-// whose second pass is needed for more than 65536 rows only.
+// The chords of all items by row, within a row in the items' order. A region
+// comes in this order. Components do not: a radix sort whose first pass reads
+// the items and whose second pass is needed for more than 65536 rows only.
 std::vector<vexo::chord> ChordsByRow(const std::vector<OverlayItem>& items) {
-  size_t count = 0;
-  int32_t low = INT32_MAX;
-  int32_t high = INT32_MIN;
-  for (const OverlayItem& item : items) {
-    count += item.chords.size();
-    for (const vexo::chord& c : item.chords) {
-      low = std::min(low, c.row);
-      high = std::max(high, c.row);
-    }
+  const Extent extent = ExtentOf(items);
+  if (extent.is_ordered) {
+    std::vector<vexo::chord> chords;
+    chords.reserve(extent.count);
+    VisitLabelled(items, [&](const vexo::chord& c) { chords.push_back(c); });
+    return chords;
   }
-  if (count == 0) return {};
-  const uint32_t first = static_cast<uint32_t>(low);
-  const uint32_t range = static_cast<uint32_t>(high) - first;
   std::vector<vexo::chord> sorted =
-      SortByDigit(count, first, 0, [&items](auto visit) {
-        for (size_t i = 0; i < items.size(); ++i) {
-          const int32_t number = static_cast<int32_t>(i);
-          for (const vexo::chord& c : items[i].chords) {
-            visit({c.col_begin, c.col_end, c.row, number});
-          }
-        }
-      });
+      SortByDigit(extent, 0, [&](auto visit) { VisitLabelled(items, visit); });
+  const uint32_t range = static_cast<uint32_t>(extent.last_row) -
+                         static_cast<uint32_t>(extent.first_row);
   if (range >> 16 == 0) return sorted;
-  return SortByDigit(count, first, 16, [&sorted](auto visit) {
+  return SortByDigit(extent, 16, [&sorted](auto visit) {
     for (const vexo::chord& c : sorted) visit(c);
   });
 }

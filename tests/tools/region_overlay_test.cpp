@@ -51,6 +51,16 @@ TEST(RegionOverlay, RowsHoldTheirChordsInPaintingOrder) {
   EXPECT_EQ(RowOf(overlay, INT32_MAX), Row());
 }
 
+TEST(RegionOverlay, ItemsInOrderOfTheirRowsAreLabelledAllTheSame) {
+  RegionOverlay overlay;
+  overlay.Replace({Item({{1, 2, 3, 7}, {4, 5, 3, 7}, {0, 9, 4, 7}}), Item({}),
+                   Item({{0, 1, 4, 7}, {0, 1, 6, 7}})});
+  using Row = std::vector<std::array<int, 3>>;
+  EXPECT_EQ(RowOf(overlay, 3), (Row{{1, 2, 0}, {4, 5, 0}}));
+  EXPECT_EQ(RowOf(overlay, 4), (Row{{0, 9, 0}, {0, 1, 2}}));
+  EXPECT_EQ(RowOf(overlay, 6), (Row{{0, 1, 2}}));
+}
+
 TEST(RegionOverlay, ItemsKeepTheirChordsAsTheyWere) {
   RegionOverlay overlay;
   overlay.Replace({Item({{9, 12, 5, 3}, {1, 2, 1, 4}})});

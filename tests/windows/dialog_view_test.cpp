@@ -51,9 +51,8 @@ TEST_F(DialogView, FileThatIsNoImageReadsZeroSize) {
 TEST_F(DialogView, OpenDialogLoadsTheChosenFile) {
   const auto path = WriteImage("选择.png", cv::Mat(30, 40, CV_8UC3));
   Run([&] {
-    WithModal(
-        [&] { Click(1001); },
-        [&](HWND box) { AnswerFileDialog(box, path); });
+    WithModal([&] { Click(1001); },
+              [&](HWND box) { AnswerFileDialog(box, path); });
     EXPECT_EQ(dialog.m_srcImage.size(), cv::Size(40, 30));
     EXPECT_EQ(dialog.m_srcImage.type(), CV_8UC1);
   });
@@ -246,6 +245,22 @@ TEST_F(DialogView, TimerRunsByItself) {
 }
 
 // Tool modes
+
+TEST_F(DialogView, ClickIsSeenBeforeTheNextTick) {
+  RunWithImage(cv::Mat(80, 100, CV_8UC1, 200), [&] {
+    ::KillTimer(dialog.m_hWnd, 1);
+    ::SetWindowTextW(Control(1004), L"33");
+    PumpFor(30);
+    EXPECT_EQ(dialog.m_redraw, 1) << "typing waits for the tick";
+    dialog.m_redraw = -1;
+    Click(1042);
+    EXPECT_EQ(dialog.m_redraw, 1) << "the handler itself does not draw";
+    EXPECT_TRUE(PumpUntil([&] { return dialog.m_redraw == -1; }));
+    const cv::Point middle(dialog.m_viewSize.width / 2,
+                           dialog.m_viewSize.height / 2);
+    EXPECT_EQ(dialog.m_viewImage.at<cv::Vec3b>(middle), cv::Vec3b(0, 0, 255));
+  });
+}
 
 TEST_F(DialogView, RadiosChooseTheToolAndAskForAPicture) {
   const std::vector<std::pair<int, int>> modes = {
