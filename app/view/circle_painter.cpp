@@ -3,15 +3,11 @@
 
 #include <cmath>
 #include <numbers>
-#include <opencv2/imgproc.hpp>
-
-#include "app/view/view_state.h"
 
 namespace rendal {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
-constexpr int kEightConnected = 8;
 constexpr int kFirstArcs = 8;
 constexpr double kTolerancePx = 0.02;
 // Halves of an eighth: far below what a double tells apart.
@@ -19,12 +15,11 @@ constexpr int kMostHalvings = 48;
 
 class CirclePainter {
  public:
-  CirclePainter(cv::Point2d center, double radius, const cv::Scalar& color,
-                int thickness, cv::Mat& picture)
+  CirclePainter(cv::Point2d center, double radius, const Pen& pen,
+                cv::Mat& picture)
       : m_center(center),
         m_radius(std::abs(radius)),
-        m_color(color),
-        m_thickness(thickness),
+        m_pen(pen),
         m_picture(picture) {}
 
   // The arc between two angles, in halves until a line is as good.
@@ -34,8 +29,7 @@ class CirclePainter {
     if (IsOutside(At(middle), m_radius * half)) return;
     const double height = m_radius * (1 - std::cos(half));
     if (height <= kTolerancePx || halvings == kMostHalvings) {
-      cv::line(m_picture, WithFraction(At(from)), WithFraction(At(to)), m_color,
-               m_thickness, kEightConnected, kFractionBits);
+      DrawLine(At(from), At(to), m_pen, m_picture);
       return;
     }
     DrawArc(from, middle, halvings + 1);
@@ -50,29 +44,23 @@ class CirclePainter {
 
   // Whether nothing that is at most `reach` away from a point is visible.
   bool IsOutside(cv::Point2d at, double reach) const {
-    const double margin = reach + m_thickness + 1;
+    const double margin = reach + m_pen.thickness + 1;
     return at.x < -margin || at.y < -margin || at.x > m_picture.cols + margin ||
            at.y > m_picture.rows + margin;
   }
 
   const cv::Point2d m_center;
   const double m_radius;
-  const cv::Scalar m_color;
-  const int m_thickness;
+  const Pen m_pen;
   cv::Mat& m_picture;
 };
 
 }  // namespace
 
-cv::Point WithFraction(cv::Point2d at) {
-  constexpr double kParts = 1 << kFractionBits;
-  return {RoundToInt(at.x * kParts), RoundToInt(at.y * kParts)};
-}
-
-void DrawCircle(cv::Point2d center, double radius, const cv::Scalar& color,
-                int thickness, cv::Mat& picture) {
+void DrawCircle(cv::Point2d center, double radius, const Pen& pen,
+                cv::Mat& picture) {
   if (!std::isfinite(center.x + center.y + radius)) return;
-  CirclePainter painter(center, radius, color, thickness, picture);
+  CirclePainter painter(center, radius, pen, picture);
   constexpr double kArc = 2 * kPi / kFirstArcs;
   for (int i = 0; i < kFirstArcs; ++i) {
     painter.DrawArc(i * kArc, (i + 1) * kArc);

@@ -4,22 +4,21 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <numbers>
 #include <opencv2/imgproc.hpp>
 
 #include "app/view/circle_painter.h"
+#include "app/view/line_painter.h"
 #include "app/view/roi_painter.h"
 
 namespace rendal {
 namespace {
 
-const cv::Scalar kScanColor(0, 0, 255);       // red
-const cv::Scalar kRectangleColor(0, 255, 0);  // green
-const cv::Scalar kMarkerColor(255, 0, 255);   // magenta
-const cv::Scalar kFitColor(255, 0, 0);        // blue
-const cv::Scalar kSegmentColor(255, 255, 255);
-constexpr int kThickness = 1;
+const Pen kScanPen = {{0, 0, 255}};       // red
+const Pen kRectanglePen = {{0, 255, 0}};  // green
+const Pen kMarkerPen = {{255, 0, 255}};   // magenta
+const Pen kFitPen = {{255, 0, 0}};        // blue
+const Pen kSegmentPen = {{255, 255, 255}};
 constexpr int kEightConnected = 8;
 constexpr double kScanTip = 0.1;  // of the arrow's length
 constexpr float kMarkerHalfSizeImagePx = 10;
@@ -39,70 +38,34 @@ bool AllZero(const Values& values) {
                      [](float v) { return v == 0; });
 }
 
-// Narrows [*first, *last] to the t for which `start + t * step` lies in
-// 0..limit; false if there is none.
-bool ClipTo(double start, double step, double limit, double* first,
-            double* last) {
-  if (step == 0) return start >= 0 && start <= limit;
-  const double a = -start / step;
-  const double b = (limit - start) / step;
-  *first = std::max(*first, std::min(a, b));
-  *last = std::min(*last, std::max(a, b));
-  return *first <= *last;
-}
-
-// Between whole pixels. What goes beyond the picture is cut off here, at most a
-// pixel outside: the drawing functions would move the rest by up to a pixel.
+// Between whole pixels.
 void DrawSegment(cv::Mat& picture, cv::Point2f from, cv::Point2f to,
-                 const cv::Scalar& color) {
-  const cv::Point start = NearestPixel(from);
-  const cv::Point end = NearestPixel(to);
-  const cv::Point2d step = end - start;
-  double first = 0;
-  double last = 1;
-  if (!ClipTo(start.x + 1, step.x, picture.cols + 1, &first, &last) ||
-      !ClipTo(start.y + 1, step.y, picture.rows + 1, &first, &last)) {
-    return;
-  }
-  if (first == 0 && last == 1) {
-    cv::line(picture, start, end, color, kThickness, kEightConnected);
-  } else {
-    const cv::Point2d origin = start;
-    cv::line(picture, WithFraction(origin + first * step),
-             WithFraction(origin + last * step), color, kThickness,
-             kEightConnected, kFractionBits);
-  }
-}
-
-void DrawFittedLine(const float (&values)[5], const ViewState& view,
-                    cv::Mat& picture) {
-  const double dx = values[0];
-  const double dy = values[1];
-  if (dx == 0 && dy == 0) return;
-  const cv::Point2f center = view.ToView(values[2], values[3]);
-  double first = -std::numeric_limits<double>::infinity();
-  double last = -first;
-  if (!ClipTo(center.x, dx, picture.cols - 1, &first, &last) ||
-      !ClipTo(center.y, dy, picture.rows - 1, &first, &last)) {
-    return;
-  }
-  const auto at = [&](double t) {
-    return cv::Point2f(static_cast<float>(center.x + t * dx),
-                       static_cast<float>(center.y + t * dy));
-  };
-  cv::line(picture, WithFraction(at(first)), WithFraction(at(last)), kFitColor,
-           kThickness, kEightConnected, kFractionBits);
+                 const Pen& pen) {
+  DrawLine(NearestPixel(from), NearestPixel(to), pen, picture);
 }
 
 void DrawFittedEllipse(const float (&values)[5], const ViewState& view,
                        cv::Mat& picture) {
-  const std::vector<cv::Point2f> outline =
+  DrawPolygon(
       EllipseOutline(view.ToView(values[0], values[1]), values[3] * view.zoom,
-                     values[4] * view.zoom, values[2]);
-  std::vector<cv::Point> corners(outline.size());
-  std::transform(outline.begin(), outline.end(), corners.begin(), WithFraction);
-  cv::polylines(picture, corners, true, kFitColor, kThickness, kEightConnected,
-                kFractionBits);
+                     values[4] * view.zoom, values[2]),
+      kFitPen, picture);
+}
+
+// Drawn apart, so that the picture's border does not move its lines.
+void StampMarkerCircle(cv::Point at, cv::Mat& picture) {
+  constexpr int kReach = kMarkerRadiusPx + kMarkerCircleThickness;
+  static const cv::Mat stamp = [] {
+    cv::Mat mask = cv::Mat::zeros(2 * kReach + 1, 2 * kReach + 1, CV_8U);
+    cv::circle(mask, {kReach, kReach}, kMarkerRadiusPx, cv::Scalar(255),
+               kMarkerCircleThickness, kEightConnected);
+    return mask;
+  }();
+  const cv::Point corner = at - cv::Point(kReach, kReach);
+  const cv::Rect place(corner, stamp.size());
+  const cv::Rect seen = place & cv::Rect({}, picture.size());
+  if (!seen.empty())
+    picture(seen).setTo(kMarkerPen.color, stamp(seen - corner));
 }
 
 void DrawNumber(const float (&values)[5], const ViewState& view,
@@ -111,9 +74,9 @@ void DrawNumber(const float (&values)[5], const ViewState& view,
   std::snprintf(text, sizeof text, "%.3f", values[0]);
   const cv::Point2f at = view.ToView(values[1], values[2]);
   cv::putText(picture, text, NearestPixel(at), cv::FONT_HERSHEY_DUPLEX,
-              view.zoom * kNumberScalePerZoom, kSegmentColor, kThickness,
-              kEightConnected);
-  DrawSegment(picture, at, view.ToView(values[3], values[4]), kSegmentColor);
+              view.zoom * kNumberScalePerZoom, kSegmentPen.color,
+              kSegmentPen.thickness, kEightConnected);
+  DrawSegment(picture, at, view.ToView(values[3], values[4]), kSegmentPen);
 }
 
 }  // namespace
@@ -140,14 +103,13 @@ void DrawMeasureRectangle(const MeasureRectangle& rectangle,
   const cv::Point2f center = view.ToView(x, y);
   const cv::Point2f along = half_along * view.zoom * cv::Point2f(s, c);
   const cv::Point2f across = half_across * view.zoom * cv::Point2f(c, -s);
-  cv::arrowedLine(picture, NearestPixel(center - along),
-                  NearestPixel(center + along), kScanColor, kThickness,
-                  kEightConnected, 0, kScanTip);
+  DrawArrow(NearestPixel(center - along), NearestPixel(center + along),
+            kScanTip, kScanPen, picture);
   const cv::Point2f corners[] = {
       center - along - across, center + along - across, center + along + across,
       center - along + across};
   for (int i = 0; i < 4; ++i) {
-    DrawSegment(picture, corners[i], corners[(i + 1) % 4], kRectangleColor);
+    DrawSegment(picture, corners[i], corners[(i + 1) % 4], kRectanglePen);
   }
 }
 
@@ -166,19 +128,18 @@ void DrawMarker(cv::Point2f image_point, int style, const ViewState& view,
     }
     case kMarkerCross:
       DrawSegment(picture, at - cv::Point2f(half, 0), at + cv::Point2f(half, 0),
-                  kMarkerColor);
+                  kMarkerPen);
       DrawSegment(picture, at - cv::Point2f(0, half), at + cv::Point2f(0, half),
-                  kMarkerColor);
+                  kMarkerPen);
       break;
     case kMarkerDiagonalCross:
       DrawSegment(picture, at - cv::Point2f(half, half),
-                  at + cv::Point2f(half, half), kMarkerColor);
+                  at + cv::Point2f(half, half), kMarkerPen);
       DrawSegment(picture, at - cv::Point2f(half, -half),
-                  at + cv::Point2f(half, -half), kMarkerColor);
+                  at + cv::Point2f(half, -half), kMarkerPen);
       break;
     case kMarkerCircle:
-      cv::circle(picture, NearestPixel(at), kMarkerRadiusPx, kMarkerColor,
-                 kMarkerCircleThickness, kEightConnected);
+      StampMarkerCircle(NearestPixel(at), picture);
       break;
   }
 }
@@ -189,12 +150,11 @@ void DrawShape(const ShapeEntry& shape, const ViewState& view,
   if (!AllFinite(v) || AllZero(v)) return;
   switch (shape.kind) {
     case kFittedLine:
-      DrawFittedLine(v, view, picture);
+      DrawEndlessLine(view.ToView(v[2], v[3]), {v[0], v[1]}, kFitPen, picture);
       break;
     case kFittedCircle:
       if (v[2] != 0) {
-        DrawCircle(view.ToView(v[0], v[1]), v[2] * view.zoom, kFitColor,
-                   kThickness, picture);
+        DrawCircle(view.ToView(v[0], v[1]), v[2] * view.zoom, kFitPen, picture);
       }
       break;
     case kFittedEllipse:
@@ -202,7 +162,7 @@ void DrawShape(const ShapeEntry& shape, const ViewState& view,
       break;
     case kSegment:
       DrawSegment(picture, view.ToView(v[0], v[1]), view.ToView(v[2], v[3]),
-                  kSegmentColor);
+                  kSegmentPen);
       break;
     case kNumber:
       DrawNumber(v, view, picture);

