@@ -316,6 +316,30 @@ TEST_F(EndToEnd, SecondInstanceSaysSoAndEnds) {
   EXPECT_EQ(StatusAfter(IDC_CONNECTION), "no binarization yet, 0");
 }
 
+TEST_F(EndToEnd, CommandLineChoosesEnglish) {
+  const fs::path path = scratch_.WriteImage(L"en.png", ".png", Spots());
+  Start({L"/lang", L"en", path.wstring()});
+  WaitUntil("a status", [this] { return !window().Status().empty(); });
+  EXPECT_EQ(window().Status(), L"open image,width = 400, height = 300");
+  EXPECT_EQ(window().Caption().substr(0, 13), L"Measure    20");
+  EXPECT_EQ(window().TextOf(IDC_LOAD_IMAGE), L"Load image");
+  EXPECT_EQ(window().TextOf(IDC_MEASURE), L"Measure");
+  EXPECT_EQ(window().TextOf(IDC_CLEAR_DISPLAY), L"Clear display");
+  window().SwitchLanguage();
+  EXPECT_EQ(Utf8(window().TextOf(IDC_MEASURE)), "\u6d4b\u91cf");
+}
+
+TEST_F(EndToEnd, LanguageThatIsNotKnownIsNamedAndIgnored) {
+  const fs::path path = scratch_.WriteImage(L"fr.png", ".png", Spots());
+  Start({L"/lang", L"fr", path.wstring()});
+  WaitUntil("a status", [this] { return !window().Status().empty(); });
+  EXPECT_EQ(Utf8(window().Status()),
+            "\u6253\u5f00\u56fe\u7247,width = 400, height = 300");
+  EXPECT_EQ(Utf8(window().Caption().substr(0, 8)), "\u6d4b\u91cf    20");
+  EXPECT_EQ(Utf8(window().TextOf(IDC_MEASURE)), "\u6d4b\u91cf");
+  window().ConsoleTextWith(L"option ignored: /lang fr");
+}
+
 TEST_F(EndToEnd, ClosingTheWindowEndsTheProgram) {
   Start();
   window().DismissWelcome();
