@@ -2,12 +2,14 @@
 #include "cli/command_line.h"
 
 #include <cmath>
+#include <limits>
 #include <locale>
 
 #include "cli/image_list.h"
 #include "cli/masks.h"
 #include "cli/progress.h"
 #include "recipes/number_text.h"
+#include "recipes/recipe_json.h"
 #include "tests/cli/command_line_run.h"
 #include "tools/console_text.h"
 
@@ -70,6 +72,103 @@ TEST_F(CommandLineTest, OperationsAreAppliedInTheOrderGiven) {
   EXPECT_EQ(a, b);
 }
 
+// What the options of a command stand for.
+class OptionsTest : public CommandLineTest {
+ protected:
+  std::vector<Step> StepsOf(Arguments arguments) {
+    arguments.insert(arguments.end(), {"--save-recipe", In("r"), "--quiet"});
+    EXPECT_NE(Run(arguments), kUsageError) << m_error;
+    return ReadRecipe(Content("r")).steps;
+  }
+  static Step Operation(const char* name, ElementChoice element) {
+    OperationStep step;
+    step.operation = *OperationByName(name);
+    step.parameters.element = element;
+    return step;
+  }
+};
+
+TEST_F(OptionsTest, OfBlob) {
+  OperationStep boundary;
+  boundary.operation = RegionOperation::kBoundary;
+  boundary.parameters.boundary_type = "inner_filled";
+  const size_t area = *FeatureByName("area");
+  EXPECT_TRUE(
+      (StepsOf({"blob",     Sample("parts.png"), "--gray",       "7",
+                "130",      "--bottom-hat",      "circle:3",     "--top-hat",
+                "rect:4x5", "--closing",         "cross:6x7",    "--opening",
+                "circle:1", "--erosion",         "circle:2",     "--dilation",
+                "rect:8x9", "--boundary",        "inner_filled", "--connect",
+                "4",        "--select",          "area:..12.5",  "--border",
+                "exclude"}) ==
+       std::vector<Step>{
+           ThresholdStep{{7, 130}}, Operation("bottom_hat", {kCircle, 3, 3}),
+           Operation("top_hat", {kRectangle, 4, 5}),
+           Operation("closing", {kCross, 6, 7}),
+           Operation("opening", {kCircle, 1, 1}),
+           Operation("erosion", {kCircle, 2, 2}),
+           Operation("dilation", {kRectangle, 8, 9}), boundary,
+           ConnectionStep{{4, RegionSource::kPrevious}},
+           SelectStep{{{{area, -std::numeric_limits<double>::infinity(), 12.5}},
+                       true}}}))
+      << Content("r");
+}
+
+TEST_F(OptionsTest, OfMeasure) {
+  const struct {
+    const char* option;
+    const char* numbers;
+    RoiShape roi;
+  } shapes[] = {{"--line", "1,2,3.5,4", {kToolLine, {1, 2, 3.5f, 4}}},
+                {"--circle", "1,2,3", {kToolCircle, {1, 2, 3}}},
+                {"--ellipse", "1,2,3,4,5", {kToolEllipse, {1, 2, 3, 4, 5}}},
+                {"--band", "-1,2,3,4", {kToolBand, {-1, 2, 3, 4}}}};
+  for (const auto& shape : shapes) {
+    EXPECT_TRUE((StepsOf({"measure", Sample("parts.png"), shape.option,
+                          shape.numbers}) ==
+                 std::vector<Step>{MeasureStep{shape.roi, {}}}))
+        << Content("r");
+    EXPECT_TRUE((StepsOf({"measure",     Sample("parts.png"),
+                          shape.option,  shape.numbers,
+                          "--length",    "11.5",
+                          "--width",     "12",
+                          "--amplitude", "13",
+                          "--sigma",     "1.4",
+                          "--reps",      "1.5",
+                          "--count",     "16",
+                          "--direction", "-",
+                          "--select",    "last"}) ==
+                 std::vector<Step>{MeasureStep{
+                     shape.roi, {11.5, 12, 13, 1.4, 1.5, 16, -1, "last"}}}))
+        << Content("r");
+  }
+}
+
+TEST_F(OptionsTest, OfFindLines) {
+  EXPECT_TRUE((StepsOf({"find-lines", Sample("parts.png")}) ==
+               std::vector<Step>{FindLineStep{kShowEdges}}));
+  EXPECT_TRUE((StepsOf({"find-lines", Sample("parts.png"), "--display", "1"}) ==
+               std::vector<Step>{FindLineStep{0}}));
+}
+
+TEST_F(CommandLineTest, OutputsAreMadeAsTheRecipeSays) {
+  fs::copy_file(Sample("parts.png"), m_folder / "a.JPEG");
+  CountRecipe(R"({"coco": "c.json", "rle": "compressed", "zoom": 0.5,
+                  "overlay": "{name}-{name}.png", "points": "p.csv"})");
+  ASSERT_EQ(Run({"run", In("recipe"), In(""), Sample("parts.png"), "--out",
+                 In("out"), "--points", In("q.csv")}),
+            kAllFine)
+      << m_error;
+  const std::string coco = Content("out/c.json");
+  EXPECT_NE(coco.find("\"counts\":\""), std::string::npos);
+  EXPECT_NE(coco.find("\"id\":11,\"image_id\":2,"), std::string::npos);
+  EXPECT_EQ(cv::imread(In("out/a-a.png")).size(), cv::Size(320, 240));
+  EXPECT_TRUE(fs::exists(m_folder / "out" / "parts-parts.png"));
+  // The command line goes first.
+  EXPECT_FALSE(fs::exists(m_folder / "out" / "p.csv"));
+  EXPECT_TRUE(fs::exists(m_folder / "q.csv"));
+}
+
 TEST_F(CommandLineTest, ATextOnTheScreenHasTheSameNumbers) {
   Run({"blob", Sample("parts.png"), "--gray", "0", "130"});
   EXPECT_NE(m_out.find("\n 1   8802    329.645875937287  "), std::string::npos)
@@ -115,6 +214,29 @@ TEST_F(CommandLineTest, InfoDescribesAnImage) {
   EXPECT_EQ(m_out.rfind("width      640\nheight     480\n", 0), 0u) << m_out;
   EXPECT_EQ(Run({"info", In("no.png")}), kSomethingFailed);
   EXPECT_NE(m_error.find("there is no such file"), std::string::npos);
+}
+
+TEST_F(CommandLineTest, InfoHasMeanAndDeviation) {
+  cv::Mat image(4, 4, CV_8U, cv::Scalar(0));
+  image.col(1).setTo(100);
+  Run({"info", Picture("a.png", image)});
+  EXPECT_NE(m_out.find("\ngrey_min   0\ngrey_max   100\ngrey_mean  25\n"
+                       "grey_sd    43.3012"),
+            std::string::npos)
+      << m_out;
+}
+
+TEST_F(CommandLineTest, NotesSayHowGreyValuesWereScaledUnlessQuiet) {
+  std::vector<unsigned char> bytes;
+  cv::Mat image(9, 9, CV_32F, cv::Scalar(-1));
+  image.col(3).setTo(2.5);
+  cv::imencode(".tif", image, bytes);
+  const std::string path = Written("a.tif", {bytes.begin(), bytes.end()});
+  EXPECT_EQ(Run({"blob", path, "--gray", "200", "255"}), kAllFine);
+  EXPECT_EQ(m_error,
+            "rendal-cli: " + path + ": grey 0..255 shows values -1..2.5\n");
+  EXPECT_EQ(Run({"blob", path, "--gray", "200", "255", "--quiet"}), kAllFine);
+  EXPECT_EQ(m_error, "");
 }
 
 TEST_F(CommandLineTest, LinesAreFound) {

@@ -246,6 +246,19 @@ TEST_F(CommandLineTest, WhatIsNoImageIsNamed) {
   EXPECT_EQ(why(Written("empty.png", "")), "it is no image\n");
 }
 
+TEST_F(CommandLineTest, AnImageThatIsCutOffFails) {
+  std::vector<unsigned char> bytes;
+  cv::imencode(".jpg", cv::imread(Sample("parts.png")), bytes);
+  const std::string image =
+      Written("a.jpg", {bytes.begin(), bytes.begin() + bytes.size() / 2});
+  EXPECT_EQ(Run({"blob", image, "--gray", "0", "130"}), kSomethingFailed);
+  // The image library may have its own word before.
+  EXPECT_NE(m_error.find("rendal-cli: " + image + ": the file is cut off\n"),
+            std::string::npos)
+      << m_error;
+  EXPECT_EQ(m_out, "");
+}
+
 TEST_F(CommandLineTest, AnImageWithOtherChannelsIsNamed) {
   const std::string image =
       Written("a.pam",

@@ -90,6 +90,22 @@ TEST(RecipeJson, DefaultsAreThoseOfTheDialog) {
   EXPECT_TRUE(recipe.outputs == Outputs{});
 }
 
+TEST(RecipeJson, WhatIsNotSaidIsTheDefault) {
+  const Recipe recipe = ReadRecipe(WithSteps(
+      std::string(kThreshold) + R"(, {"do": "boundary"}, {"do": "fill_up"},
+                                    {"do": "connection"}, {"do": "select"})"));
+  OperationStep boundary;
+  boundary.operation = RegionOperation::kBoundary;
+  boundary.parameters.boundary_type = "inner";
+  boundary.source = RegionSource::kPrevious;
+  EXPECT_TRUE(recipe.steps[1] == Step(boundary));
+  EXPECT_EQ(std::get<OperationStep>(recipe.steps[2]).source,
+            RegionSource::kPrevious);
+  const ConnectionParameters connection = {8, RegionSource::kPrevious};
+  EXPECT_TRUE(recipe.steps[3] == Step(ConnectionStep{connection}));
+  EXPECT_TRUE(recipe.steps[4] == Step(SelectStep{}));
+}
+
 struct Refusal {
   std::string recipe;
   const char* error;

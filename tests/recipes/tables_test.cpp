@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,8 @@
 
 #include "recipes/number_text.h"
 #include "recipes/output_file.h"
+#include "tools/blob_tool.h"
+#include "tools/console_text.h"
 
 namespace rendal {
 namespace {
@@ -83,6 +86,74 @@ TEST(Tables, WithoutComponentsThereIsAHeaderAlone) {
             "id,area,x,y,x_min,y_min,x_max,y_max,ra,rb,phi,rect2_len1,"
             "rect2_len2,rect2_phi,circularity\n");
   EXPECT_EQ(ComponentJson(ComponentSet()), "{\"objects\":[]}\n");
+}
+
+std::string CellOf(const Measurement& m, const std::string& column) {
+  const Cells names = MeasurementColumns();
+  const Cells cells = MeasurementCells(m);
+  return cells[std::find(names.begin(), names.end(), column) - names.begin()];
+}
+
+TEST(Tables, ShapesHaveTheirNumbersInTheirColumns) {
+  Measurement m = {
+      2, "ellipse", 0, 7, {}, true, {1, 2, 30, 5, 4}, {6, 0.25, 0.5}, {}, {}};
+  EXPECT_EQ(CellOf(m, "x") + " " + CellOf(m, "y"), "1 2");
+  EXPECT_EQ(CellOf(m, "angle"), "30");
+  EXPECT_EQ(CellOf(m, "half_axis_1"), "5");
+  EXPECT_EQ(CellOf(m, "half_axis_2"), "4");
+  EXPECT_EQ(CellOf(m, "residual_rms"), "0.25");
+  EXPECT_EQ(CellOf(m, "residual_max"), "0.5");
+  EXPECT_EQ(CellOf(m, "radius") + CellOf(m, "dx") + CellOf(m, "segments"), "");
+  m.kind = "circle";
+  EXPECT_EQ(CellOf(m, "radius"), "30");
+  EXPECT_EQ(CellOf(m, "angle"), "");
+  m.kind = "line";
+  m.shape[0] = 0;
+  m.shape[1] = 1;
+  EXPECT_EQ(CellOf(m, "dx") + " " + CellOf(m, "dy"), "0 1");
+  EXPECT_EQ(CellOf(m, "angle"), NumberText(LineAngle(0, 1)));
+  EXPECT_NE(LineAngle(0, 1), LineAngle(1, 0));
+  EXPECT_EQ(CellOf(m, "x"), "30");
+  EXPECT_EQ(CellOf(m, "y"), "5");
+  m.has_shape = false;
+  for (const char* column : {"used", "residual_rms", "x", "angle"}) {
+    EXPECT_EQ(CellOf(m, column), "") << column;
+  }
+}
+
+TEST(Tables, EdgesAndPointsCountFromOne) {
+  Measurement m = {4, "find_line", 0, 3, {}, true, {}, {}, {}, {}};
+  m.points = {{7, 8, 0, 0, 0.5, true}, {9, 8, 0, 0, 3, false}};
+  m.edges = {{1, 2, 30, 0, 0, false}, {3, 4, -5.5, 2, 0, false}};
+  EXPECT_EQ(
+      PointRows(m),
+      (std::vector<Cells>{{"4", "find_line", "1", "", "7", "8", "", "0.5", "1"},
+                          {"4", "find_line", "2", "", "9", "8", "", "3", "0"},
+                          {"4", "edge", "1", "1", "1", "2", "30", "", ""},
+                          {"4", "edge", "2", "3", "3", "4", "-5.5", "", ""}}));
+  const std::string json = ImageJson("a", 1, 1, nullptr, {m});
+  EXPECT_NE(json.find(R"({"caliper":1,"x":1.0,"y":2.0,"amplitude":30.0})"),
+            std::string::npos)
+      << json;
+  EXPECT_NE(json.find(R"("distance":0.5,"used":true)"), std::string::npos)
+      << json;
+}
+
+TEST(Tables, ComponentsCountFromOne) {
+  cv::Mat image(3, 9, CV_8U, cv::Scalar(0));
+  image.col(2).setTo(255);
+  image.col(6).setTo(255);
+  Workbench bench;
+  bench.m_srcImage = image;
+  const ConsoleCapture console;
+  Threshold(bench, {1, 255});
+  Connection(bench);
+  const std::string csv = ComponentCsv(bench.m_components);
+  EXPECT_NE(csv.find("\n1,3,2,1,"), std::string::npos) << csv;
+  EXPECT_NE(csv.find("\n2,3,6,1,"), std::string::npos) << csv;
+  const std::string json = ComponentJson(bench.m_components);
+  EXPECT_NE(json.find("[{\"id\":1,\"area\":3,\"x\":2.0,"), std::string::npos)
+      << json;
 }
 
 TEST(Tables, NamesThatAreNoTextDoNotBreakJson) {
