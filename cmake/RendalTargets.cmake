@@ -21,7 +21,10 @@ endif()
 if(MINGW)
   target_compile_definitions(rendal_options INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
-  target_link_options(rendal_options INTERFACE -static)
+  target_link_options(rendal_options INTERFACE -static
+    LINKER:--dynamicbase,--high-entropy-va,--nxcompat
+    # Two links of the same objects give the same bytes.
+    LINKER:--no-insert-timestamp)
 endif()
 
 # rendal_options(target): house warnings and includes from the project's root
@@ -30,6 +33,16 @@ function(rendal_target target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:rendal_options>)
   target_include_directories(${target}
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+endfunction()
+
+# rendal_version_resource(target FILE_NAME type "description"): what Windows tells
+# of a file. Types: VFT_APP, VFT_DLL. Elsewhere nothing.
+function(rendal_version_resource target FILE_NAME FILE_TYPE FILE_DESCRIPTION)
+  if(WIN32)
+    set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/res/version.rc.in ${resource} @ONLY)
+    target_sources(${target} PRIVATE ${resource})
+  endif()
 endfunction()
 
 # How sources are compiled that take longer to compile than to run. Half of a

@@ -5,7 +5,10 @@
 # everything there it says nothing and takes a moment. The machine's package
 # lists are refreshed only when something is missing.
 #
-#   setup/packages.sh [GROUP...]     groups: native windows display; all if none
+#   setup/packages.sh [GROUP...]
+#
+# Groups: native windows display, which are meant if none is named; installer,
+# which only setup/package.sh needs.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/common.sh"
 
@@ -30,6 +33,8 @@ display=(
   wine wine64 fonts-wine fonts-wqy-microhei fonts-dejavu-core
   xvfb openbox x11-utils xdotool imagemagick locales
 )
+installer_why="packs the Windows installer"
+installer=(nsis)
 
 missing_of() {
   local package
@@ -44,8 +49,8 @@ missing_of() {
 wanted=()
 for group in "$@"; do
   case $group in
-    native | windows | display) ;;
-    *) usage_error "unknown group '$group' (native, windows, display)" ;;
+    native | windows | display | installer) ;;
+    *) usage_error "unknown group '$group'" ;;
   esac
   declare -n packages=$group why=${group}_why
   mapfile -t missing < <(missing_of "${packages[@]}")
