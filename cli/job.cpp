@@ -68,7 +68,8 @@ class LibraryThreads {
  public:
   explicit LibraryThreads(int each) : m_before(cv::getNumThreads()) {
     vexo::limit_threads(each);
-    cv::setNumThreads(each);
+    // It complains of more than there are.
+    cv::setNumThreads(std::min(each, cv::getNumberOfCPUs()));
   }
   ~LibraryThreads() {
     vexo::limit_threads(0);

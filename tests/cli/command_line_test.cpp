@@ -270,6 +270,13 @@ TEST_F(CommandLineTest, ResultsDoNotDependOnTheNumberOfThreads) {
   EXPECT_GT(Table(Content("a.csv")).size(), 100u);
 }
 
+TEST_F(CommandLineTest, MoreThreadsThanThereAreIsNoTrouble) {
+  EXPECT_EQ(Run({"blob", Sample("parts.png"), "--gray", "0", "130", "--fill",
+                 "--threads", "1024", "--csv", In("a.csv")}),
+            kAllFine);
+  EXPECT_EQ(m_error, "");
+}
+
 TEST_F(CommandLineTest, PathsInAnyScriptAreReadAndNamed) {
   const std::string name = "\xE9\x9B\xB6\xE4\xBB\xB6 1.png";
   fs::copy_file(Sample("parts.png"), m_folder / PathOf(name));
