@@ -5,7 +5,10 @@
 // the structuring element. Prints one row per operation: time and peak memory
 // at the largest point and the exponent p of the fitted t = c * n^p.
 //
-//   bench_growth [--quick]     --quick stops at 12 Mpx and 1.2 million runs
+//   bench_growth [--quick] [--rows TEXT]
+//
+// --quick stops at 12 Mpx and 1.2 million runs; --rows keeps the operations
+// whose name holds TEXT.
 #include <malloc.h>
 
 #include <algorithm>
@@ -136,6 +139,8 @@ std::function<void(Input&)> into_result(F f) {
   };
 }
 
+const char* rows_asked_for = "";
+
 std::vector<Operation> operations() {
   using namespace vexo;
 #define RUN(call) into_result([](Input& in, region* out) { call; })
@@ -194,6 +199,7 @@ void table(const char* title, const char* variable, std::vector<Input>& inputs,
   print_header(title, variable);
   for (const Operation& operation : operations()) {
     if (only_elements && !operation.uses_element) continue;
+    if (std::strstr(operation.name, rows_asked_for) == nullptr) continue;
     std::vector<double> times;
     Sample last{};
     for (Input& in : inputs) {
@@ -265,7 +271,17 @@ void growth_over_element(bool quick) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool quick = argc > 1 && std::strcmp(argv[1], "--quick") == 0;
+  bool quick = false;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--quick") == 0) {
+      quick = true;
+    } else if (std::strcmp(argv[i], "--rows") == 0 && i + 1 < argc) {
+      rows_asked_for = argv[++i];
+    } else {
+      std::fprintf(stderr, "usage: %s [--quick] [--rows TEXT]\n", argv[0]);
+      return 2;
+    }
+  }
   growth_over_size(quick);
   growth_over_runs(quick);
   growth_over_element(quick);

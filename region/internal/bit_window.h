@@ -19,8 +19,8 @@ namespace vexo::internal {
 
 class bit_window {
  public:
-  // Joins and merges for each row, whatever the height.
-  static size_t steps(size_t height) { return doublings(height) + 2; }
+  // What a row costs, in merges of one row into another.
+  static size_t steps(size_t height) { return 2 * doublings(height) + 3; }
 
   // At least two rows high. Above the first row lie rows of zeros.
   bit_window(size_t height, size_t words)

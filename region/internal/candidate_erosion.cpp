@@ -29,8 +29,8 @@ candidate_erosion::candidate_erosion(const run_view& source,
 
 bool candidate_erosion::run(double others, run_buffer* out) {
   order_runs();
-  if (estimate(others / 16) > 0.7 * others) return false;
-  begin(1);
+  if (estimate(others) > 0.7 * others) return false;
+  begin(1, 1);
   for (size_t i = 1; i < order_.size() && !candidates_.empty(); ++i)
     reduce_by(order_[i]);
   out->ensure(out->size() + candidates_.size());
@@ -39,26 +39,28 @@ bool candidate_erosion::run(double others, run_buffer* out) {
 }
 
 // The cost in nanoseconds, from some candidates of some batches. Infinity when
-// it takes more than `most` to find out.
-double candidate_erosion::estimate(double most) {
+// it is not worth while to find out.
+double candidate_erosion::estimate(double others) {
+  // Looks that even a candidate of which nothing is left takes.
+  constexpr double kFewLooks = 4;
   constexpr size_t kSomeBatches = 8, kSome = 16;
+  constexpr double kNever = std::numeric_limits<double>::infinity();
   const double each = cost_with(source_.count, rows_.count());
   const size_t batches = (source_.count + kBatch - 1) / kBatch;
   const size_t step = (batches + kSomeBatches - 1) / kSomeBatches;
-  begin(step);
-  const auto all = static_cast<double>(candidates_.size() * step);
-  const size_t each_of = candidates_.size() / kSome + 1;
-  size_t some = 0;
-  for (size_t i = each_of / 2; i < candidates_.size(); i += each_of)
-    candidates_[some++] = candidates_[i];
-  candidates_.resize(some);
-  double looks = 0;
+  const size_t seen = begin(step, 0);
+  const auto all = static_cast<double>(seen * step);
+  if (seen == 0) return 0;
+  if (all * kFewLooks * each > 0.7 * others) return kNever;
+  begin(step, seen / kSome + 1);
+  const auto some = static_cast<double>(candidates_.size());
+  double looks = some;
   for (size_t i = 1; i < order_.size() && !candidates_.empty(); ++i) {
     looks += static_cast<double>(candidates_.size());
-    if (looks * each > most) return std::numeric_limits<double>::infinity();
+    if (looks * each > others / 16) return kNever;
     reduce_by(order_[i]);
   }
-  return some > 0 ? all * (1 + looks / static_cast<double>(some)) * each : all;
+  return all * std::max(kFewLooks, looks / some) * each;
 }
 
 // The longest run; then the middle of all, of both halves, of all quarters ...
@@ -80,28 +82,38 @@ void candidate_erosion::order_runs() {
   if (longest != 0) order_.push_back(element_[0]);
 }
 
-// The candidates of every batch of runs, or of every second one, third one ...
-void candidate_erosion::begin(size_t step) {
+// How many candidates there are in every batch of runs, or in every second one,
+// third one ...; each n-th of them is taken, none for 0.
+size_t candidate_erosion::begin(size_t step, size_t each_of) {
   const element_run& run = order_[0];
+  const int64_t length = run.end - run.begin;
+  size_t seen = 0;
   candidates_.clear();
-  for (size_t i = 0; i < source_.count; i += step * kBatch) {
-    const size_t last = std::min(source_.count, i + kBatch);
-    if (kernels().reaches(source_.begins + i, source_.ends + i, last - i,
-                          run.end - run.begin))
-      add_candidates(i, last);
+  for (size_t first = 0; first < source_.count; first += step * kBatch) {
+    const size_t last = std::min(source_.count, first + kBatch);
+    if (each_of == 0) {
+      for (size_t i = first; i < last; ++i)
+        seen += int64_t{source_.ends[i]} - source_.begins[i] >= length;
+      continue;
+    }
+    if (!kernels().reaches(source_.begins + first, source_.ends + first,
+                           last - first, length))
+      continue;
+    for (size_t i = first; i < last; ++i) {
+      if (int64_t{source_.ends[i]} - source_.begins[i] >= length &&
+          seen++ % each_of == 0)
+        candidates_.push_back(moved(i, run));
+    }
   }
+  return seen;
 }
 
-void candidate_erosion::add_candidates(size_t first, size_t last) {
-  const element_run& run = order_[0];
-  for (size_t i = first; i < last; ++i) {
-    const int64_t begin = source_.begins[i] - run.begin;
-    const int64_t end = source_.ends[i] - run.end;
-    if (begin <= end)
-      candidates_.push_back({static_cast<int32_t>(source_.rows[i] - run.row),
-                             static_cast<int32_t>(begin),
-                             static_cast<int32_t>(end)});
-  }
+// What run i of the source leaves of the run of an element.
+candidate_erosion::interval candidate_erosion::moved(
+    size_t i, const element_run& run) const {
+  return {static_cast<int32_t>(source_.rows[i] - run.row),
+          static_cast<int32_t>(source_.begins[i] - run.begin),
+          static_cast<int32_t>(source_.ends[i] - run.end)};
 }
 
 void candidate_erosion::reduce_by(const element_run& run) {

@@ -36,9 +36,9 @@ class candidate_erosion {
   };
 
   void order_runs();
-  double estimate(double most);
-  void begin(size_t step);
-  void add_candidates(size_t first, size_t last);
+  double estimate(double others);
+  size_t begin(size_t step, size_t each_of);
+  interval moved(size_t i, const element_run& run) const;
   void reduce_by(const element_run& run);
   size_t first_reaching(size_t first, size_t last, int64_t column) const;
 

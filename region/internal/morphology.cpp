@@ -145,7 +145,7 @@ class morphology {
     if (strips_possible() && form != morphology_form::bits) {
       const load l = load_of(b);
       const bool surely = form == morphology_form::strips;
-      if (surely || strip_cost(l.runs, l.runs / 5) < bit_cost(l)) {
+      if (surely || strip_cost(l.runs, likely_strips(l)) < bit_cost(l)) {
         strip_band strips(source_, rows_,
                           what_ == kind::dilation ? strip_band::of::runs
                                                   : strip_band::of::gaps,
@@ -203,7 +203,7 @@ class morphology {
   double least_cost(const load& l) const {
     double cost = bit_cost(l);
     if (strips_possible())
-      cost = std::min(cost, strip_cost(l.runs, l.runs / 5));
+      cost = std::min(cost, strip_cost(l.runs, likely_strips(l)));
     if (key_morphology::possible(element_))
       cost = std::min(cost, key_cost(l.runs));
     return cost;
@@ -212,6 +212,11 @@ class morphology {
   // With vectors, less than that of strips whatever the picture.
   double key_cost(double runs) const {
     return runs * (1 + 1.3 * static_cast<double>(element_.size()));
+  }
+
+  // Where rows have few runs these lie under one another.
+  static double likely_strips(const load& l) {
+    return l.runs / (l.runs < 5 * l.rows ? 20 : 5);
   }
 
   double strip_cost(double runs, double strips) const {
@@ -259,13 +264,16 @@ bool nothing_fits(const run_view& source, const element_runs& element) {
 }
 
 // The cost of the other forms, as candidates are to see it: elements of few
-// runs leave too many candidates.
-double cost_beside_candidates(const element_runs& element, double others) {
+// runs leave too many candidates, and rows of few runs are strips' own.
+double cost_beside_candidates(const element_runs& element, const row_list& rows,
+                              size_t runs, double others) {
   constexpr size_t kFewRuns = 12;
+  constexpr size_t kFewInARow = 5;
   const morphology_form form = g_form.load();
   if (form == morphology_form::candidates)
     return std::numeric_limits<double>::infinity();
-  return form == morphology_form::cheapest && element.size() >= kFewRuns
+  return form == morphology_form::cheapest && element.size() >= kFewRuns &&
+                 runs >= kFewInARow * rows.count()
              ? others
              : 0;
 }
@@ -305,8 +313,10 @@ run_buffer erode(const run_view& runs, const element_runs& element) {
   const morphology work(morphology::kind::erosion, source, from, rows,
                         mirrored);
   run_buffer result;
-  const double others = cost_beside_candidates(element, work.cost());
-  if (candidate_erosion(source, rows, element).run(others, &result))
+  const double others =
+      cost_beside_candidates(element, rows, source.count, work.cost());
+  if (others > 0 &&
+      candidate_erosion(source, rows, element).run(others, &result))
     return result;
   return work.better_plain() ? plain_erode(source, element) : work.run();
 }
