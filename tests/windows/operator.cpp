@@ -132,6 +132,8 @@ constexpr size_t kRemoteSize = 1024;
 
 std::wstring QuotedCommandLine(const std::wstring& program,
                                const std::vector<std::wstring>& arguments) {
+  // A window that opens under the pointer gets mouse moves, which end a drag.
+  ::SetCursorPos(0, 0);
   std::wstring line = L"\"" + program + L"\"";
   for (const std::wstring& argument : arguments) {
     line += L" \"" + argument + L"\"";
