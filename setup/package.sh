@@ -6,8 +6,9 @@
 #
 #   setup/package.sh
 #
-# Every time in the files is that of the commit (or SOURCE_DATE_EPOCH), so that
-# the same commit gives the same programs wherever it is built.
+# The date in the window's title is that of the commit (or SOURCE_DATE_EPOCH), so
+# that the same commit gives the same programs. The packages hold the times at
+# which their files were written.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/common.sh"
 . "$setup_root/setup/build.sh"
@@ -17,7 +18,7 @@ cd -- "$setup_root"
 setup/packages.sh native windows display installer
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)} ||
   fail "neither a commit nor SOURCE_DATE_EPOCH says when this is from"
-export SOURCE_DATE_EPOCH TZ=UTC
+export SOURCE_DATE_EPOCH
 
 . setup/environment.sh
 build_preset windows rendal rendal-cli vexolab
