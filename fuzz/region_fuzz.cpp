@@ -64,10 +64,10 @@ void read_element(Bytes& in, Case& c) {
       vexo::gen_se_circle(in.between(0, 6), &c.element);
       break;
     case 1:
-      vexo::gen_se_rectangle(in.between(0, 9), in.next() % 10, &c.element);
+      vexo::gen_se_rectangle(in.between(0, 9), in.next() % 14, &c.element);
       break;
     case 2:
-      vexo::gen_se_cross(in.between(0, 9), in.next() % 10, &c.element);
+      vexo::gen_se_cross(in.between(0, 9), in.next() % 14, &c.element);
       break;
     default:
       c.shape = read_grid(in, 7, 2);
