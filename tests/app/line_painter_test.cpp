@@ -52,16 +52,16 @@ TEST_F(LinePainter, BetweenWholePixelsItIsTheLibrarysLine) {
   for (int i = 0; i < 3000; ++i) {
     // Short ones have many halves.
     const int reach = i % 2 == 0 ? 12 : 200;
-    const cv::Point from = kPart.tl() + cv::Point(100, 100);
+    const cv::Size sheet(2 * reach, 2 * reach);
+    const cv::Point from(reach, reach);
     const cv::Point to =
         from + cv::Point(AnyPixel().x % reach, AnyPixel().y % reach);
-    const cv::Mat ours = Drawn(kSheet, {}, [&](cv::Mat& picture, cv::Point2d) {
+    const cv::Mat ours = Drawn(sheet, {}, [&](cv::Mat& picture, cv::Point2d) {
       DrawLine(from, to, kPen, picture);
     });
-    const cv::Mat theirs =
-        Drawn(kSheet, {}, [&](cv::Mat& picture, cv::Point2d) {
-          cv::line(picture, from, to, kColor, 1, 8);
-        });
+    const cv::Mat theirs = Drawn(sheet, {}, [&](cv::Mat& picture, cv::Point2d) {
+      cv::line(picture, from, to, kColor, 1, 8);
+    });
     ASSERT_EQ(cv::norm(ours, theirs, cv::NORM_L1), 0) << from << to;
   }
 }

@@ -134,7 +134,7 @@ TEST(Features, RisingToTheRightIsPositive) {
   for (int i = 0; i < 20; ++i) {
     for (int k = 0; k < 2; ++k) rising[i][(19 - i + k) % 20] = '#';
   }
-  rising[0] = std::string(18, '.') + "##";
+  rising[0] = "..................##";
   const region r = with_features(rising);
   EXPECT_GT(r.phi(), 30);
   EXPECT_GT(r.rect_angle(), 30);
