@@ -19,6 +19,8 @@ native=(
   libopencv-dev
   libtbb-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
   googletest libbenchmark-dev
+  # The Debian packages' dependencies are found with it.
+  file
   # Readers of result files that are not ours: the tests compare with them.
   python3 python3-numpy python3-pil
 )
