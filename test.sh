@@ -85,6 +85,7 @@ end_windows() {
 }
 
 prepare_windows() {
+  setup/packages.sh windows display
   # Windows of another run must not be met, so this has its own session.
   export RENDAL_WINEPREFIX=$PWD/build/wine-test
   . setup/environment.sh
@@ -108,6 +109,9 @@ prepare_ahead() {
   set -m
   (
     set +m
+    # Packages are on their way at once: installing leaves processors idle.
+    [[ " $* " != *" windows "* ]] || setup/packages.sh windows display || true
+    renice -n 19 "$BASHPID" || true
     for runner in "$@"; do
       claim "$runner" || continue
       ("prepare_$runner") || true
@@ -116,7 +120,6 @@ prepare_ahead() {
   ) >build/ahead.log 2>&1 </dev/null &
   ahead=$!
   set +m
-  renice -n 19 -g "$ahead" >/dev/null 2>&1 || true
   trap 'kill -- "-$ahead" 2>/dev/null || true' EXIT
 }
 
@@ -136,10 +139,7 @@ prepare() {
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# All at once: package lists are refreshed and triggers run only once.
-groups=(native)
-[[ " ${runners[*]} " != *" windows "* ]] || groups+=(windows display)
-if ! setup/packages.sh "${groups[@]}"; then
+if ! setup/packages.sh native; then
   printf '0 passed, %s failed\n' "${#runners[@]}"
   exit 1
 fi

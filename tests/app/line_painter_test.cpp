@@ -82,7 +82,7 @@ TEST_F(LinePainter, ArrowIsTheLibrarys) {
 }
 
 TEST_F(LinePainter, CutLinesLieOnThePixelsOfWholeOnes) {
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 500; ++i) {
     const cv::Point from = AnyPixel(), to = AnyPixel();
     ASSERT_TRUE(IsPartOfTheWhole([&](cv::Mat& picture, cv::Point2d origin) {
       DrawLine(cv::Point2d(from) + origin, cv::Point2d(to) + origin, kPen,

@@ -101,7 +101,7 @@ region large_region(uint64_t seed) {
 }
 
 TEST_F(MorphologyForms, AllFormsAndVectorWidthsAgreeOnLargeRegions) {
-  for (uint64_t seed = 0; seed < vexo_test::cases(40); ++seed) {
+  for (uint64_t seed = 0; seed < vexo_test::large_cases(40); ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
     const region source = large_region(seed);
