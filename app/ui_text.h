@@ -55,9 +55,9 @@ inline constexpr Text kOtherLanguage = {L"English(&E)", L"中文(&C)"};
 
 inline constexpr Text kSavePicture = {L"保存图像(&S)...\tCtrl+S",
                                       L"&Save picture...\tCtrl+S"};
-inline constexpr Text kRecordRecipe = {L"录制配方(&T)", L"Recor&d recipe"};
-inline constexpr Text kSaveRecipe = {L"保存配方(&V)...", L"Sa&ve recipe..."};
-inline constexpr Text kRunRecipe = {L"运行配方(&U)...", L"R&un recipe..."};
+inline constexpr Text kRecordRecipe = {L"录制(&T)", L"Recor&d recipe"};
+inline constexpr Text kSaveRecipe = {L"保存(&V)...", L"Sa&ve recipe..."};
+inline constexpr Text kRunRecipe = {L"运行(&U)...", L"R&un recipe..."};
 inline constexpr Text kRecentFiles = {L"最近的文件(&R)", L"&Recent files"};
 
 // Titles and kinds of files to be written or read
