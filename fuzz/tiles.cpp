@@ -114,7 +114,8 @@ void add_flaw(Bytes& in, region& r) {
   const int by = in.between(-8, 8);
   if (kind == 0) c.label = by;
   if (kind == 1) std::swap(c, before);
-  if (kind == 2) c.col_end = c.col_begin + by;
+  // An earlier flaw may have put the begin at the least of all columns.
+  if (kind == 2) c.col_end = std::max(c.col_begin, INT32_MIN + 8) + by;
   if (kind == 3) c.col_begin = before.col_end + 1;
   if (kind == 4) c.row += by;
   if (kind == 5) c.col_begin = INT32_MIN;
