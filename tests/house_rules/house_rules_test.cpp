@@ -238,4 +238,50 @@ TEST(HouseRules, FirstLineIsTheLicence) {
   }
 }
 
+// A fault of tests/mutation: where it goes and what it takes the place of.
+struct Fault {
+  std::string path;
+  std::string text;
+};
+
+std::vector<Fault> FaultsOf(const fs::path& table) {
+  std::vector<Fault> faults;
+  for (const std::string& line : LinesOf(table)) {
+    if (StartsWith(line, "@ ")) {
+      faults.push_back({line.substr(2, line.rfind(' ') - 2), ""});
+    } else if (StartsWith(line, "- ")) {
+      std::string& text = faults.back().text;
+      text += (text.empty() ? "" : "\n") + line.substr(2);
+    }
+  }
+  return faults;
+}
+
+size_t Occurrences(const std::string& text, const std::string& part) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos;
+       at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+TEST(HouseRules, EveryFaultOfTheMutationCheckHasOnePlace) {
+  const fs::path root = RENDAL_SOURCE_DIR;
+  for (const char* folder :
+       {"region", "vexolab", "tools", "view", "controls"}) {
+    const std::vector<Fault> faults =
+        FaultsOf(root / "tests" / "mutation" / (std::string(folder) + ".txt"));
+    EXPECT_GE(faults.size(), 10u) << folder;
+    for (const Fault& fault : faults) {
+      std::string source;
+      for (const std::string& line : LinesOf(root / fault.path)) {
+        source += line + "\n";
+      }
+      EXPECT_EQ(Occurrences(source, fault.text), 1u)
+          << folder << ": " << fault.path << ": " << fault.text;
+    }
+  }
+}
+
 }  // namespace

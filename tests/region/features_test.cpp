@@ -233,6 +233,32 @@ TEST(Features, WholeCoordinateRangeIsHandled) {
   EXPECT_NEAR(r.rect_half_length2(), 2147483647.5, 1e-3);
 }
 
+// Few pixels so far apart that the sums of their squares need 66 bits.
+TEST(Features, SumsBeyondWholeNumbersAreRight) {
+  constexpr int kEnd = 2147483647;
+  const region r = with_features(Runs{{-kEnd, -kEnd, -kEnd},
+                                      {-kEnd, kEnd, kEnd},
+                                      {kEnd, -kEnd, -kEnd},
+                                      {kEnd, kEnd, kEnd}});
+  EXPECT_EQ(r.center_col(), 0);
+  EXPECT_EQ(r.center_row(), 0);
+  EXPECT_NEAR(r.ra() / (2.0 * kEnd), 1, 1e-9);
+  EXPECT_NEAR(r.rb() / (2.0 * kEnd), 1, 1e-9);
+}
+
+// Each side of an acute triangle carries a rectangle of twice its area.
+TEST(Features, OfRectanglesOfTheSameAreaTheLeastTurnedIsTaken) {
+  const region level = with_features(Runs{{0, 0, 4}, {3, 2, 2}});
+  EXPECT_EQ(level.rect_angle(), 0);
+  EXPECT_EQ(level.rect_half_length1(), 2);
+  EXPECT_EQ(level.rect_half_length2(), 1.5);
+  // Sides along (4, 1), (1, 4) and (1, -1): turned by 14, 76 and 45 degrees.
+  const region turned = with_features(Runs{{0, 0, 0}, {1, 4, 4}, {4, 1, 1}});
+  EXPECT_NEAR(turned.rect_angle(), -std::atan(0.25) * 180 / kPi, 1e-9);
+  EXPECT_NEAR(turned.rect_half_length1(), std::sqrt(17) / 2, 1e-9);
+  EXPECT_NEAR(turned.rect_half_length2(), 7.5 / std::sqrt(17), 1e-9);
+}
+
 // Moments pixel by pixel.
 void expect_moments(const region& r, const std::vector<Pixel>& pixels) {
   const long double n = pixels.size();

@@ -9,6 +9,7 @@
 
 #include "tests/tools/console_times.h"
 #include "tests/tools/recorded_library.h"
+#include "tools/console_text.h"
 
 namespace rendal {
 namespace {
@@ -34,6 +35,12 @@ class Caliper : public testing::Test {
     testing::internal::CaptureStdout();
     Measure(bench, parameters);
     return WithoutTimes(testing::internal::GetCapturedStdout());
+  }
+
+  MeasureReport Report(int32_t mode) {
+    const ConsoleCapture console;
+    bench.m_toolMode = mode;
+    return Measure(bench, parameters);
   }
 
   void ExpectNothingHappened(const std::string& console) {
@@ -139,6 +146,26 @@ TEST_F(Caliper, BandPrintsEveryEdgeCountingFromOne) {
                                {1, 2}, {4, 5}, {7, 8}, {10.5f, 11.25f}}));
   EXPECT_TRUE(result.rectangles.empty());
   EXPECT_TRUE(result.shapes.empty());
+}
+
+TEST_F(Caliper, ReportOfABandHoldsItsEdges) {
+  library.edges = {{1, 2, 30, 4, 5, -60}};
+  const MeasureReport report = Report(kToolBand);
+  EXPECT_TRUE(report.done);
+  EXPECT_EQ(report.calipers, 1);
+  ASSERT_EQ(report.points.size(), 2u);
+  EXPECT_EQ(report.points[0].x, 1);
+  EXPECT_EQ(report.points[0].y, 2);
+  EXPECT_EQ(report.points[0].amplitude, 30);
+  EXPECT_EQ(report.points[1].x, 4);
+  EXPECT_EQ(report.points[1].y, 5);
+  EXPECT_EQ(report.points[1].amplitude, -60);
+}
+
+TEST_F(Caliper, ReportHoldsTheFirstOfSeveralErrors) {
+  bench.m_measurementLibrary = LinkedMeasurementLibrary();
+  parameters.length = 0;
+  EXPECT_EQ(Report(kToolCircle).code, VEXOLAB_E_ARGUMENT);
 }
 
 TEST_F(Caliper, AngleOfALineCountsFromItsFirstComponent) {

@@ -10,6 +10,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "tests/tools/recorded_library.h"
+#include "tools/console_text.h"
 
 namespace rendal {
 namespace {
@@ -165,6 +166,19 @@ TEST_F(LineFinder, FailedFitEndsAfterItsLine) {
   EXPECT_EQ(library.calls[3], "clear_mems(1)");
   EXPECT_EQ(library.calls[4], "clear_mems(2)");
   EXPECT_TRUE(bench.m_regionOverlay.empty());
+}
+
+TEST_F(LineFinder, ReportHoldsTheFirstOfSeveralErrors) {
+  bench.m_measurementLibrary.do_measure =
+      [](const unsigned char*, int, int, double, double, const char*,
+         const float*, int, double** points, int* n) -> int {
+    *points = nullptr;
+    *n = 0;
+    return VEXOLAB_E_LIMIT;
+  };
+  library.fit_code = VEXOLAB_E_TOO_FEW;
+  const ConsoleCapture console;
+  EXPECT_EQ(FindLine(bench, kShowEdges).code, VEXOLAB_E_LIMIT);
 }
 
 TEST_F(LineFinder, FailedFitLeavesTheSegmentButNoCalipers) {
