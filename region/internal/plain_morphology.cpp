@@ -62,11 +62,7 @@ void moved(const run_view& source, size_t first, size_t last, int64_t left,
            int64_t right, intervals* into) {
   into->clear();
   for (size_t i = first; i < last; ++i) {
-    // Runs that touch are one run.
-    const int64_t begin = source.begins[i];
-    while (i + 1 < last && source.begins[i + 1] <= int64_t{source.ends[i]} + 1)
-      ++i;
-    const interval next{begin + left, source.ends[i] + right};
+    const interval next{source.begins[i] + left, source.ends[i] + right};
     if (next.begin <= next.end) append_joined(next, into);
   }
 }
