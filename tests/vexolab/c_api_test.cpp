@@ -231,6 +231,22 @@ TEST(MeasurePosD, SamplesAreMeasuredUpToTheLimitAndNotAbove) {
   EXPECT_EQ(library::edges_in(plain, rect, 1, 20).code, VEXOLAB_E_LIMIT);
 }
 
+TEST(MeasurePosD, EitherHalfLengthHasTheSameLimit) {
+  const auto g = Edge();
+  const auto measure = [&g](double l1, double l2) {
+    Outputs<double> o;
+    const int code = measure_pos_d(50, 40, 0, l1, l2, g.data(), 100, 80, 1, 20,
+                                   &o.data, &o.count);
+    clear_mems(code);
+    return code;
+  };
+  constexpr double kMost = VEXOLAB_MAX_HALF_LENGTH;
+  EXPECT_GE(measure(kMost, 5), 1);
+  EXPECT_EQ(measure(kMost + 1, 5), VEXOLAB_E_LIMIT);
+  EXPECT_GE(measure(10, kMost), 1);
+  EXPECT_EQ(measure(10, kMost + 1), VEXOLAB_E_LIMIT);
+}
+
 TEST(MeasurePosD, CountsDoubles) {
   const auto g = Edge();
   double* data = nullptr;

@@ -18,8 +18,10 @@
 #include "vexolab/edges.h"
 #include "vexolab/location.h"
 #include "vexolab/memory.h"
+#include "vexolab/pixel_strip.h"
 #include "vexolab/profile.h"
 #include "vexolab/rectangles.h"
+#include "vexolab/vexolab.h"
 
 namespace vexolab {
 namespace {
@@ -400,6 +402,71 @@ TEST(MeasureRectangles, SmallDiscsHaveTheirTrueRadius) {
   EXPECT_NEAR(sum / n, kRadius, 0.0006);
 }
 
+// Three rectangles towards a disc's edge that end just behind it: the
+// corrections of some points would lead out of them.
+TEST(MeasureRectangles, PointsLieWithinTheirRectangles) {
+  constexpr double kRadius = 4, kHalf = 4;
+  synthetic::random r(1);
+  synthetic::grey_image g;
+  double x = 0, y = 0;
+  int at_the_end = 0;
+  for (int i = 0; i < 200; ++i) {
+    if (i % 20 == 0) {
+      x = 15 + r.uniform(-0.5, 0.5);
+      y = 15 + r.uniform(-0.5, 0.5);
+      synthetic::coverage c(31, 31);
+      synthetic::add_ellipse({x, y, 0, kRadius, kRadius}, 1.2, 1, &c);
+      g = synthetic::expose(c, {}, &r);
+    }
+    const double angle = r.uniform(-180, 180);
+    const double centre = kRadius + r.uniform(0, 0.6) - kHalf;
+    std::vector<float> rects;
+    for (const double turn : {0, 120, 240}) {
+      const double phi = (angle + turn) * std::numbers::pi / 180;
+      for (const double value :
+           {x + centre * std::cos(phi), y - centre * std::sin(phi),
+            angle + turn, kHalf, 1.5}) {
+        rects.push_back(static_cast<float>(value));
+      }
+    }
+    std::vector<double> at;
+    measure_rectangles(view_of(g), {1, 5}, {choice::last, polarity::any},
+                       rects.data(), 3, &at);
+    for (size_t k = 0; k < at.size() / 2; ++k) {
+      const double u =
+          std::hypot(at[k] - x, at[k + at.size() / 2] - y) - centre;
+      EXPECT_LE(u, kHalf + 1e-5);
+      at_the_end += u > kHalf - 1e-5 ? 1 : 0;
+    }
+  }
+  EXPECT_GT(at_the_end, 0);
+}
+
+// Grey 20 up to column 20, 100 from column 40 on. The derivative is the same
+// all along the ramp.
+TEST(MeasureAllEdges, EdgeOfALongRampIsItsMiddle) {
+  synthetic::grey_image g = {80, 21, {}};
+  for (int i = 0; i < 80 * 21; ++i) {
+    const int rise = std::clamp(i % 80 - 20, 0, 20);
+    g.pixels.push_back(static_cast<unsigned char>(20 + 4 * rise));
+  }
+  std::vector<double> triples;
+  measure_all_edges(view_of(g), {1, 5}, frame_of(40, 10, 0, 35, 5), &triples);
+  ASSERT_EQ(triples.size(), 3u);
+  EXPECT_NEAR(triples[0], 30, 0.5);
+}
+
+TEST(PixelStrip, PixelsOnItsBorderCountInPart) {
+  const auto g = Ramp();
+  pixel_strip strip;
+  strip.gather(view_of(g), frame_of(30, 25, 0, 5, 3), {0, 0, {}, -2, 2, 2.25});
+  ASSERT_GE(strip.size(), 25u);
+  for (size_t i = 0; i < strip.size(); ++i) {
+    const double row = std::fabs(strip.v()[i]) * 2.25;
+    EXPECT_FLOAT_EQ(strip.weight()[i], row > 1.5 ? 0.75f : 1.0f) << row;
+  }
+}
+
 TEST(Memory, KeepsAndReleases) {
   const int before = kept_count();
   float* data = nullptr;
@@ -408,6 +475,21 @@ TEST(Memory, KeepsAndReleases) {
   EXPECT_EQ(data[2], 3);
   release(id);
   release(id);
+  EXPECT_EQ(kept_count(), before);
+}
+
+// Behind the C interface, whose own test cannot see what is kept.
+TEST(Memory, ClearMemsReleases) {
+  const int before = kept_count();
+  const auto g = Ramp();
+  double* points = nullptr;
+  int n = 0;
+  const float rect[] = {30, 25, 0, 10, 3};
+  const int id = do_measure(g.data(), g.width, g.height, 1, 0.1, "first", rect,
+                            1, &points, &n);
+  ASSERT_GE(id, 1);
+  EXPECT_EQ(kept_count(), before + 1);
+  clear_mems(id);
   EXPECT_EQ(kept_count(), before);
 }
 
