@@ -43,7 +43,7 @@ scan_input band_of(const scan_input& image, const row_bands& bands,
 }
 
 size_t bands_worth(const scan_input& image) {
-  return image.rows() * image.width / kBandPixels;
+  return internal::piece_count(image.rows() * image.width, kBandPixels);
 }
 
 // Two passes: the first counts the runs of every band, so that the second

@@ -21,6 +21,8 @@ std::atomic<int> g_thread_limit{0};
 constexpr double kHandOverCost = 200e3;
 std::atomic<double> g_hand_over_cost{kHandOverCost};
 
+std::atomic<dispatch_function> g_dispatch{nullptr};
+
 int hardware_threads() {
   static const int threads =
       std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -38,6 +40,13 @@ void set_thread_limit(int threads) {
   g_thread_limit.store(threads, std::memory_order_relaxed);
 }
 
+size_t piece_count(size_t count, size_t grain) {
+  const bool is_free = g_hand_over_cost.load(std::memory_order_relaxed) == 0;
+  const size_t least = is_free ? 1 : std::max<size_t>(grain, 1);
+  return std::clamp<size_t>(count / least, 1,
+                            static_cast<size_t>(thread_count()));
+}
+
 size_t pieces_worth(double nanoseconds) {
   const double least = g_hand_over_cost.load(std::memory_order_relaxed);
   const auto most = static_cast<double>(thread_count());
@@ -50,7 +59,13 @@ void set_hand_over_cost(double nanoseconds) {
                          std::memory_order_relaxed);
 }
 
+void set_dispatch(dispatch_function instead) {
+  g_dispatch.store(instead, std::memory_order_relaxed);
+}
+
 void dispatch(size_t count, task_function run, void* context) {
+  const auto instead = g_dispatch.load(std::memory_order_relaxed);
+  if (instead != nullptr) return instead(count, run, context);
   runtime::parallel_for(size_t{0}, count, [=](size_t i) { run(context, i); });
 }
 

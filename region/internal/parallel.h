@@ -34,6 +34,10 @@ void set_thread_limit(int threads);
 using task_function = void (*)(void* context, size_t i);
 void dispatch(size_t count, task_function run, void* context);
 
+// For tests: a function that dispatch() leaves it to, or null for the runtime.
+using dispatch_function = void (*)(size_t, task_function, void*);
+void set_dispatch(dispatch_function instead);
+
 // One parallel loop: what its tasks share. The two counters order the caller's
 // memory before the tasks' and the tasks' before the caller's return. The
 // runtime does so as well, but in a library that the thread sanitizer cannot
@@ -80,17 +84,14 @@ class parallel_loop {
 };
 
 // How many pieces of at least `grain` items `count` items are worth.
-inline size_t piece_count(size_t count, size_t grain) {
-  const auto most = static_cast<size_t>(thread_count());
-  return std::clamp<size_t>(count / std::max<size_t>(grain, 1), 1, most);
-}
+size_t piece_count(size_t count, size_t grain);
 
 // How many pieces work of about so many nanoseconds is worth, one for each
 // thread at most.
 size_t pieces_worth(double nanoseconds);
 
-// For tests: what a piece must cost to be worth another thread. 0: nothing. A
-// negative number stands for the usual cost.
+// For tests: what a piece must cost to be worth another thread. 0: nothing, and
+// pieces may be of one item each. A negative number stands for the usual cost.
 void set_hand_over_cost(double nanoseconds);
 
 // First item of piece `i` of `pieces` equal ones.

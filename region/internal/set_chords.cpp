@@ -126,9 +126,11 @@ class chord_combination {
       : operation_(operation), keys_(operation) {}
 
   // Two stretches over the same rows. False, and *out of no use, when only the
-  // plain merge will do.
+  // plain merge will do: that walks over what has no partner in this piece, and
+  // where rows do not ascend it may stay there in the next.
   bool combine(chord_stretch a, chord_stretch b, chord_buffer* out) {
-    while (matters(a, b)) {
+    const bool is_last = ends_list(a) && ends_list(b);
+    while (is_last ? matters(a, b) : !a.done() || !b.done()) {
       const int32_t row = std::min(last_row(a), last_row(b));
       if (!combine_rows(taken(&a, row), taken(&b, row), out)) return false;
       if (!follows(a, row) || !follows(b, row)) return false;
@@ -137,6 +139,9 @@ class chord_combination {
   }
 
  private:
+  static bool ends_list(const chord_stretch& s) {
+    return s.last == s.runs.count;
+  }
   // Whether anything can come of what is left.
   bool matters(const chord_stretch& a, const chord_stretch& b) const {
     if (operation_ == set_operation::unite) return !a.done() || !b.done();

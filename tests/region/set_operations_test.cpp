@@ -28,6 +28,7 @@ class SetOperationForms : public testing::Test {
   ~SetOperationForms() override {
     vexo::internal::set_vector_limit(vector_level::kAvx512);
     vexo::internal::set_thread_limit(0);
+    vexo::internal::set_hand_over_cost(-1);
   }
 };
 
@@ -326,13 +327,14 @@ region chords_of_kind(Random& random, Kind kind, int count, int step) {
   return r;
 }
 
+constexpr struct {
+  Operation operation;
+  Chords (*rule)(const Chords&, const Chords&);
+} kRules[] = {{vexo::union2, by_rule_union},
+              {vexo::difference, by_rule_difference},
+              {vexo::intersection, by_rule_intersection}};
+
 TEST_F(SetOperationForms, ChordsFollowTheRulesToTheFourthWord) {
-  constexpr struct {
-    Operation operation;
-    Chords (*rule)(const Chords&, const Chords&);
-  } kRules[] = {{vexo::union2, by_rule_union},
-                {vexo::difference, by_rule_difference},
-                {vexo::intersection, by_rule_intersection}};
   for (int seed = 0; seed < 8 * kKinds; ++seed) {
     SCOPED_TRACE(seed);
     Random random(static_cast<uint64_t>(seed));
@@ -350,6 +352,48 @@ TEST_F(SetOperationForms, ChordsFollowTheRulesToTheFourthWord) {
         f(a, b, &result);
         ASSERT_TRUE(same_words(all_of(result), expected));
       });
+    }
+  }
+}
+
+// As many chords in a row as go to pieces, and rows enough for eight of them.
+region dense_chords(Random& random) {
+  Runs runs;
+  for (int row = 0; row < 24; ++row) {
+    if (random.chance(20)) continue;
+    int column = random.between(0, 4);
+    for (int i = 0; i < 14; ++i, column += random.between(2, 9)) {
+      runs.push_back({row, column, column + random.between(0, 5)});
+      column = runs.back().end;
+    }
+  }
+  return region_of(runs);
+}
+
+void spoil(Random& random, region* r) {
+  const int i = random.between(1, r->chord_count - 1);
+  if (random.chance(50)) {
+    r->chords[i].row += random.between(-4, 4);
+  } else {
+    std::swap(r->chords[i], r->chords[i - 1]);
+  }
+}
+
+// Lists that are careless just where they are cut into pieces.
+TEST_F(SetOperationForms, ChordsFollowTheRulesAtTheSeamsOfPieces) {
+  vexo::internal::set_hand_over_cost(0);
+  for (uint64_t seed = 0; seed < vexo_test::cases(4000); ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    region a = dense_chords(random), b = dense_chords(random);
+    for (int i = random.between(1, 3); i > 0; --i) {
+      spoil(random, random.chance(50) ? &a : &b);
+    }
+    vexo::internal::set_thread_limit(random.between(2, 8));
+    for (const auto& [operation, rule] : kRules) {
+      region result;
+      operation(a, b, &result);
+      ASSERT_TRUE(same_words(all_of(result), rule(all_of(a), all_of(b))));
     }
   }
 }
