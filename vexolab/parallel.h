@@ -18,6 +18,16 @@ namespace vexolab {
 // rectangles. So each is given at least this many.
 constexpr int kIndicesPerThread = 48;
 
+// For tests: loops take exactly so many threads, the machine and the work being
+// what they are; 0: as many as they are worth.
+inline std::atomic<int> forced_threads{0};
+
+inline int thread_count(int n) {
+  if (forced_threads > 0) return forced_threads;
+  const int cores = static_cast<int>(std::thread::hardware_concurrency());
+  return std::min(cores, n / kIndicesPerThread);
+}
+
 // Calls body(worker, begin, end) for pieces that cover [0, n), from several
 // threads when there is enough to do. make_worker() is called once by each
 // thread. The first exception of any piece is thrown again here.
@@ -40,8 +50,7 @@ void parallel_for(int n, MakeWorker make_worker, Body body) {
       next = n;
     }
   };
-  const int cores = static_cast<int>(std::thread::hardware_concurrency());
-  const int helpers = std::min(cores, n / kIndicesPerThread) - 1;
+  const int helpers = thread_count(n) - 1;
   std::vector<std::thread> threads;
   if (helpers > 0) threads.reserve(static_cast<size_t>(helpers));
   for (int i = 0; i < helpers; ++i) {
