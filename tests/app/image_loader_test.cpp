@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <opencv2/imgcodecs.hpp>
@@ -421,6 +422,17 @@ TEST_F(ImageLoader, JpegCutOffAnywhereHasADefinedOutcome) {
       ASSERT_EQ(cv::norm(first, m_bench.m_srcImage, cv::NORM_INF), 0);
     }
   }
+}
+
+TEST_F(ImageLoader, JpegCutOffBeforeItsPictureIsNoImage) {
+  Bytes bytes;
+  cv::imencode(".jpg", Noise(24, 24), bytes);
+  const unsigned char scan_start[] = {0xFF, 0xDA};
+  const auto scan = std::search(bytes.begin(), bytes.end(), scan_start,
+                                scan_start + sizeof scan_start);
+  ASSERT_NE(scan, bytes.end());
+  ExpectNoImage(LoadBytes(Bytes(bytes.begin(), scan)));
+  EXPECT_NE(m_console.find("the image file is cut off\n"), std::string::npos);
 }
 
 TEST_F(ImageLoader, JpegWithBytesAfterItsEndIsWhole) {

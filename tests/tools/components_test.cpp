@@ -108,6 +108,21 @@ TEST_P(Components, OfAGrownRegionOnlyWhatLiesInTheImageCounts) {
   EXPECT_EQ(m_bench.m_components[0].bbox[1], 0);
 }
 
+TEST_P(Components, GrownRegionsEndInTheImagesLastRowAndColumn) {
+  m_bench.m_srcImage.setTo(0);
+  for (const cv::Point corner : {cv::Point(0, 0), cv::Point(59, 0),
+                                 cv::Point(0, 39), cv::Point(59, 39)}) {
+    m_bench.m_srcImage.at<unsigned char>(corner) = 200;
+  }
+  Threshold(m_bench, {100, 255});
+  ApplyRegionOperation(m_bench, RegionOperation::kDilation,
+                       {{kRectangle, 5, 5}, "inner"}, RegionSource::kPrevious);
+  Connection(m_bench, {8, RegionSource::kPrevious});
+  EXPECT_EQ(Areas(), (AreaList{9, 9, 9, 9}));
+  EXPECT_EQ(m_bench.m_components[3].bbox[2], 39);
+  EXPECT_EQ(m_bench.m_components[3].bbox[3], 59);
+}
+
 TEST_P(Components, NothingGoesThroughAChainAsNothing) {
   m_bench.m_keepsEmptyRegions = true;
   EXPECT_EQ(Threshold(m_bench, {201, 255}).tone, Tone::kSuccess);
