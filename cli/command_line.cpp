@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli/commands.h"
+#include "cli/licences.h"
 #include "cli/system.h"
 #include "recipes/output_file.h"
 
@@ -56,6 +57,19 @@ ExitCode RunInfo(const std::string& image) {
   return kAllFine;
 }
 
+// Ends the parsing of arguments: no command is wanted.
+struct LicencesWanted {};
+
+ExitCode PrintLicences() {
+  const LicenceTexts licences = TextsOf(kLicences);
+  std::fputs(licences.text.c_str(), stdout);
+  FlushStandardOutput();
+  if (licences.missing.empty()) return kAllFine;
+  std::fprintf(stderr, "rendal-cli: built without the licence texts of %s\n",
+               licences.missing.c_str());
+  return kSomethingFailed;
+}
+
 // All commands with their options.
 class CommandLine {
  public:
@@ -65,6 +79,9 @@ class CommandLine {
             "workbench\nwithout its window.",
             "rendal-cli") {
     m_app.set_version_flag("--version", "rendal-cli " RENDAL_VERSION);
+    m_app.add_flag_callback(
+        "--licences", [] { throw LicencesWanted(); },
+        "Print the licence texts of this program and of all it is made of");
     m_app.require_subcommand(1);
     // A path may begin with a slash on Windows, too.
     m_app.allow_windows_style_options(false);
@@ -86,6 +103,8 @@ class CommandLine {
     try {
       m_app.parse(argc, argv);
       return Run();
+    } catch (const LicencesWanted&) {
+      return PrintLicences();
     } catch (const CLI::ParseError& error) {
       // Help and version come as errors, too.
       if (m_app.exit(error) != 0) return kUsageError;

@@ -8,6 +8,15 @@ set(CPACK_PACKAGE_CONTACT "Rendal maintainers <rendal@vexolab.example>")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)
 
+if(RENDAL_MISSING_LICENCES)
+  string(REPLACE ";" ", " missing "${RENDAL_MISSING_LICENCES}")
+  message(WARNING "Not found, so that no package can be made: "
+                  "the licence texts of ${missing}")
+  file(WRITE ${PROJECT_BINARY_DIR}/refuse_packages.cmake
+       "message(FATAL_ERROR \"no licence texts of ${missing}\")\n")
+  set(CPACK_INSTALL_SCRIPTS ${PROJECT_BINARY_DIR}/refuse_packages.cmake)
+endif()
+
 if(WIN32)
   install(TARGETS rendal rendal-cli vexolab
           RUNTIME DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
@@ -15,7 +24,6 @@ if(WIN32)
           DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
   install(DIRECTORY samples DESTINATION . COMPONENT program EXCLUDE_FROM_ALL
           FILES_MATCHING PATTERN "*.png" PATTERN "*.json" PATTERN "README.md")
-  # Collected by setup/licences.sh, which has to run before.
   install(DIRECTORY ${PROJECT_BINARY_DIR}/licences
           DESTINATION . COMPONENT program EXCLUDE_FROM_ALL)
   set(CPACK_GENERATOR ZIP)
@@ -46,6 +54,20 @@ foreach(component ${CPACK_COMPONENTS_ALL})
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${RENDAL_PACKAGE_${component}})
   set(CPACK_DEBIAN_${upper}_PACKAGE_SHLIBDEPS ON)
 endforeach()
+
+# What is compiled into each, and what these texts refer to.
+set(licences_of_runtime eigen LGPL-2.1)
+set(licences_of_libraries onetbb Apache-2.0)
+foreach(component runtime libraries)
+  list(TRANSFORM licences_of_${component} APPEND .txt OUTPUT_VARIABLE texts)
+  list(TRANSFORM texts PREPEND ${PROJECT_BINARY_DIR}/licences/)
+  install(FILES ${texts} COMPONENT ${component} OPTIONAL DESTINATION
+    ${CMAKE_INSTALL_DATAROOTDIR}/doc/${RENDAL_PACKAGE_${component}}/licences)
+endforeach()
+if(TARGET rendal-cli)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/licences COMPONENT cli DESTINATION
+    ${CMAKE_INSTALL_DATAROOTDIR}/doc/${RENDAL_PACKAGE_cli})
+endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

@@ -13,7 +13,6 @@ folder=$(realpath -- "$2")
 log=$build/packages.log
 : >"$log"
 
-"$setup_root/setup/licences.sh" "$build/licences"
 logged "$log" cpack --config "$build/CPackConfig.cmake" -B "$folder"
 rm -rf -- "$folder/_CPack_Packages"
 

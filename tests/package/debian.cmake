@@ -37,6 +37,19 @@ function(expect_package name)
   endforeach()
 endfunction()
 
+# expect_licences(NAME COMPONENT...): the package holds the licence texts of
+# what is compiled into its files.
+function(expect_licences name)
+  file(GLOB package ${root}/packages/${name}_${VERSION}_*.deb)
+  answer(content dpkg-deb --contents ${package})
+  foreach(component ${ARGN})
+    if(NOT content MATCHES
+       " [1-9][0-9]* [^\n]*/usr/share/doc/${name}/licences/${component}.txt")
+      message(FATAL_ERROR "${name} has no licence of ${component}: ${content}")
+    endif()
+  endforeach()
+endfunction()
+
 # What the packages need of the distribution is on this machine, not in there.
 # Their scripts renew the loader's cache, which that root does not have and this
 # machine keeps as it is.

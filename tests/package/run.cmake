@@ -33,6 +33,9 @@ else()
   expect_package(librendal-dev "libvexolab1 (= ${VERSION})" libtbb-dev)
   expect_package(rendal-cli "libvexolab1 (= ${VERSION})" libtbb12
                  libopencv-core libopencv-imgcodecs libopencv-imgproc)
+  expect_licences(libvexolab1 eigen)
+  expect_licences(librendal-dev onetbb)
+  expect_licences(rendal-cli cli11 eigen nlohmann-json onetbb opencv)
   install_packages()
 endif()
 

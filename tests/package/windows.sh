@@ -55,6 +55,10 @@ works() {
     fail "the command line failed: $1"
   grep -q ': 20 components' "$work/count.txt" ||
     fail "the coins were not counted: $1"
+  wine_runs "$1/rendal-cli.exe" --licences >"$work/licences.txt" ||
+    fail "the command line prints no licences: $1"
+  grep -q 'Mozilla Public License' "$work/licences.txt" ||
+    fail "the licence of a library is not printed: $1"
 }
 
 listed() {
