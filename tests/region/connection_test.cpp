@@ -123,6 +123,19 @@ TEST_P(Connection, NumbersByTheFirstRunOfEachComponent) {
                 {{1, 0, 0}, {2, 0, 0}}}));
 }
 
+// Neighbourhoods beyond 1: the last run is within reach of the one above, but
+// that ended with the run before.
+TEST_P(Connection, OfAWiderReachARunIsDoneWithWhereOneBelowEnds) {
+  for (const vector_level level :
+       {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+    vexo::internal::set_vector_limit(level);
+    EXPECT_EQ(components(GetParam(), {"######....", "..####..##"}, 3).size(),
+              2u);
+    EXPECT_EQ(components(GetParam(), {"######....", "..###...##"}, 3).size(),
+              1u);
+  }
+}
+
 TEST_P(Connection, InputWithChildrenIsRefused) {
   region input = vexo_test::picture({"#.#"});
   region result;
@@ -257,6 +270,24 @@ TEST_P(Connection, ChildrenCanBeCopiedGrownAssignedAndTakenOut) {
 INSTANTIATE_TEST_SUITE_P(Forms, Connection,
                          testing::Values(Form::kChords, Form::kRuns,
                                          Form::kBands));
+
+TEST(ConnectionChords, ResultHoldsAllChordsNumberedByComponent) {
+  const Picture p{"##..#.", "..#.#.", "#...##"};
+  for (const Form form : {Form::kChords, Form::kBands}) {
+    region input = vexo_test::picture(p);
+    region result;
+    ASSERT_EQ(connect(form, input, &result, 1), 3);
+    const std::vector<std::vector<int>> expected = {{0, 0, 1, 1}, {1, 2, 2, 1},
+                                                    {0, 4, 4, 2}, {1, 4, 4, 2},
+                                                    {2, 4, 5, 2}, {2, 0, 0, 3}};
+    ASSERT_EQ(result.chord_count, 6);
+    for (size_t i = 0; i < expected.size(); ++i) {
+      const vexo::chord& c = result.chords[i];
+      EXPECT_EQ((std::vector<int>{c.row, c.col_begin, c.col_end, c.label}),
+                expected[i]);
+    }
+  }
+}
 
 TEST(ConnectionChords, EmptyInputGivesNone) {
   region input, result;
