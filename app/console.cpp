@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
@@ -68,6 +69,24 @@ void RemoveCloseCommand() {
   if (menu != nullptr) ::RemoveMenu(menu, SC_CLOSE, MF_BYCOMMAND);
 }
 
+std::atomic<HWND> g_window;
+
+// Called on a thread of the system's. After the console's end the process goes
+// when this returns: so it waits, and goes with the process when the window's
+// thread has ended that.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return TRUE;
+  if (event != CTRL_CLOSE_EVENT) return FALSE;
+  if (::PostMessageW(g_window, WM_CLOSE, 0, 0)) ::Sleep(INFINITE);
+  return TRUE;
+}
+
+void HandleEvents(HWND window) {
+  g_window = window;
+  static const BOOL added = ::SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+  static_cast<void>(added);
+}
+
 void MoveToScreenCorner() {
   const HWND window = ::GetConsoleWindow();
   RECT place;
@@ -78,8 +97,9 @@ void MoveToScreenCorner() {
 
 }  // namespace
 
-void Open() {
+void Open(HWND window) {
   ::AllocConsole();
+  HandleEvents(window);
   ::SetConsoleTitleW(ui_text::kConsoleTitle);
   RedirectStandardOutput();
   RemoveCloseCommand();

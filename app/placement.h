@@ -19,6 +19,17 @@ inline CPoint PlaceForTitle(const CRect& window, const CRect& work) {
           fit(window.top, window.Height(), work.top, work.bottom)};
 }
 
+// Whether an operator can drag the window back: enough of its title is inside
+// the work area of the screen that is nearest.
+inline bool IsTitleInReach(const CRect& window, const CRect& work,
+                           int title_height) {
+  constexpr LONG kGrip = 100;
+  const LONG left = std::max(window.left, work.left);
+  const LONG right = std::min(window.right, work.right);
+  return right - left >= kGrip && window.top >= work.top &&
+         window.top + title_height <= work.bottom;
+}
+
 }  // namespace rendal
 
 #endif  // RENDAL_APP_PLACEMENT_H_

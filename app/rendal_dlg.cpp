@@ -83,6 +83,10 @@ BEGIN_MESSAGE_MAP(CRendalDlg, CDialogEx)
   ON_COMMAND(IDM_RECORD_RECIPE,    &CRendalDlg::OnRecordRecipe)
   ON_COMMAND(IDM_SAVE_RECIPE,      &CRendalDlg::OnSaveRecipe)
   ON_COMMAND(IDM_RUN_RECIPE,       &CRendalDlg::OnRunRecipe)
+  // Screens
+  ON_MESSAGE(WM_DISPLAYCHANGE,     &CRendalDlg::OnScreensChanged)
+  ON_MESSAGE(WM_SETTINGCHANGE,     &CRendalDlg::OnScreensChanged)
+  ON_WM_SIZE()
 END_MESSAGE_MAP()
 // clang-format on
 
@@ -100,7 +104,7 @@ BOOL CRendalDlg::OnInitDialog() {
   ExtendSystemMenu();
   SetIcon(m_hIcon, TRUE);
   SetIcon(m_hIcon, FALSE);
-  rendal::console::Open();
+  rendal::console::Open(m_hWnd);
   ShowLanguage();
   // Of one size, whatever the template says. (A window that is created with a
   // sizing frame is cut to the screen; this one may be larger.)
@@ -149,7 +153,9 @@ void CRendalDlg::LoadStartImage() {
 // label; the console gets what the handler printed.
 BOOL CRendalDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
   // Accelerators have the code 1, but no control either.
-  if (HIWORD(wParam) == 0 || lParam == 0) rendal::console::EndSelection();
+  const bool isCommand = HIWORD(wParam) == 0 || lParam == 0;
+  if (isCommand && IsWaitingForAnswer()) return TRUE;
+  if (isCommand) rendal::console::EndSelection();
   BOOL handled = TRUE;
   ShowStatus(rendal::Guarded([&] {
     handled = CDialogEx::OnCommand(wParam, lParam);
@@ -166,6 +172,7 @@ void CRendalDlg::OnOK() {}
 void CRendalDlg::OnSysCommand(UINT id, LPARAM lParam) {
   // The system keeps the low four bits for itself.
   const UINT command = id & 0xFFF0;
+  if (command < SC_SIZE && IsWaitingForAnswer()) return;
   if (command == IDM_ABOUTBOX) {
     CAboutDlg(m_language, this).DoModal();
   } else if (command == IDM_LANGUAGE) {
@@ -200,11 +207,6 @@ HBRUSH CRendalDlg::OnCtlColor(CDC* dc, CWnd* control, UINT kind) {
   const HBRUSH brush = CDialogEx::OnCtlColor(dc, control, kind);
   if (control->GetDlgCtrlID() == IDC_LOAD_IMAGE) return m_loadBrush;
   return brush;
-}
-
-void CRendalDlg::OnClose() {
-  EndDialog(IDCANCEL);
-  CDialogEx::OnClose();
 }
 
 BOOL CRendalDlg::DestroyWindow() {

@@ -33,6 +33,7 @@ struct Text;
 // row. What the tools share is the Workbench part; this class adds the window.
 //
 //   rendal_dlg.cpp           message map, start-up and end, system commands
+//   rendal_dlg_window.cpp    closing, and the place on the screen
 //   rendal_dlg_controls.cpp  ranges and defaults of the controls
 //   rendal_dlg_language.cpp  what reads differently in the two languages
 //   rendal_dlg_tools.cpp     handlers that call tools/
@@ -71,6 +72,8 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   afx_msg HCURSOR OnQueryDragIcon();
   afx_msg HBRUSH OnCtlColor(CDC* dc, CWnd* control, UINT kind);
   afx_msg void OnClose();
+  afx_msg LRESULT OnScreensChanged(WPARAM wParam, LPARAM lParam);
+  afx_msg void OnSize(UINT type, int width, int height);
 
   // Files
   afx_msg void OnLoadImage();
@@ -132,6 +135,9 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   void SetUpSpins();
   void FillCombos();
   void KeepTitleOnScreen();
+  void ComeBackIntoReach();
+  void GoOnClosing();
+  bool IsWaitingForAnswer() const;
   void UpdateElementControls();
 
   void SwitchLanguage();
@@ -168,6 +174,7 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   rendal::CaliperParameters ReadCaliperParameters() const;
   void ShowStatus(const rendal::Status& status);
 
+  bool m_isClosing = false;
   bool m_isRecording = false;
   std::vector<rendal::Step> m_recorded;
   std::vector<rendal::Step> m_binarisations;  // that the history holds

@@ -3,7 +3,6 @@
 // What the controls hold when the dialog opens.
 #include <span>
 
-#include "app/placement.h"
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
@@ -120,16 +119,6 @@ void CRendalDlg::FillCombos() {
   Fill(m_boundaryType, ui_text::kBoundaryTypes);
   Fill(m_findLineDisplay, ui_text::kFindLineDisplays,
        static_cast<int>(std::size(ui_text::kFindLineDisplays)) - 1);
-}
-
-void CRendalDlg::KeepTitleOnScreen() {
-  CRect window;
-  GetWindowRect(&window);
-  CRect work;
-  ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-  const CPoint place = rendal::PlaceForTitle(window, work);
-  SetWindowPos(nullptr, place.x, place.y, 0, 0,
-               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // A circle has a radius and nothing else.

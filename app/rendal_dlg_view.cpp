@@ -70,7 +70,10 @@ void CRendalDlg::RefreshSoon() {
 }
 
 void CRendalDlg::OnTimer(UINT_PTR id) {
-  if (id == kRefreshTimer) Refresh();
+  if (id == kRefreshTimer) {
+    Refresh();
+    GoOnClosing();
+  }
   CDialogEx::OnTimer(id);
 }
 

@@ -110,6 +110,9 @@ constexpr UINT WM_REFLECT_BASE = 0xBC00;
   {WM_SETCURSOR, 0, 0, 0, AFX_CALL_(*result = pThis->OnSetCursor(         \
       CWnd::FromHandle(reinterpret_cast<HWND>(m.wParam)),                 \
       static_cast<short>(LOWORD(m.lParam)), HIWORD(m.lParam)))},
+#define ON_WM_SIZE()                                                      \
+  {WM_SIZE, 0, 0, 0, AFX_CALL_(pThis->OnSize(                             \
+      static_cast<UINT>(m.wParam), LOWORD(m.lParam), HIWORD(m.lParam)))},
 #define ON_WM_SYSCOMMAND()                                                \
   {WM_SYSCOMMAND, 0, 0, 0, AFX_CALL_(                                     \
       pThis->OnSysCommand(static_cast<UINT>(m.wParam), m.lParam))},

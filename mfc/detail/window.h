@@ -207,6 +207,7 @@ class CWnd : public CCmdTarget {
     return static_cast<BOOL>(Default());
   }
   afx_msg void OnNcDestroy();
+  afx_msg void OnSize(UINT, int, int) { Default(); }
   afx_msg void OnPaint() { Default(); }
   afx_msg HCURSOR OnQueryDragIcon() {
     return reinterpret_cast<HCURSOR>(Default());

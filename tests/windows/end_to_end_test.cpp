@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
@@ -21,6 +20,7 @@
 #include "region/region.h"
 #include "res/resource.h"
 #include "tests/windows/operator.h"
+#include "tests/windows/scratch.h"
 
 namespace rendal_test {
 namespace {
@@ -28,42 +28,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kShownRows = 100;
-
-// A folder that goes with the test, named in Chinese.
-class Scratch {
- public:
-  Scratch()
-      : path_(fs::temp_directory_path() /
-              (L"\u56fe\u50cf " + std::to_wstring(::GetCurrentProcessId()))) {
-    fs::create_directories(path_);
-  }
-  ~Scratch() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-
-  fs::path Write(const std::wstring& name,
-                 const std::vector<unsigned char>& bytes) const {
-    const fs::path path = path_ / name;
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-    return path;
-  }
-  fs::path WriteImage(const std::wstring& name, const std::string& extension,
-                      const cv::Mat& image) const {
-    return Write(name, Encoded(extension, image));
-  }
-  static std::vector<unsigned char> Encoded(const std::string& extension,
-                                            const cv::Mat& image) {
-    std::vector<unsigned char> bytes;
-    EXPECT_TRUE(cv::imencode(extension, image, bytes));
-    return bytes;
-  }
-
- private:
-  fs::path path_;
-};
 
 // Smooth bright and dark spots of many sizes, the same on every run.
 cv::Mat Spots(int type = CV_8UC1) {

@@ -74,6 +74,9 @@ TEST(MessageMap, HasEveryHandlerInItsOrder) {
       {WM_COMMAND, 0, IDM_RECORD_RECIPE},
       {WM_COMMAND, 0, IDM_SAVE_RECIPE},
       {WM_COMMAND, 0, IDM_RUN_RECIPE},
+      {WM_DISPLAYCHANGE, 0, 0},
+      {WM_SETTINGCHANGE, 0, 0},
+      {WM_SIZE, 0, 0},
   };
   std::vector<Entry> actual;
   const AFX_MSGMAP* map = COpenDialog::GetThisMessageMap();

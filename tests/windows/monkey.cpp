@@ -27,7 +27,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRests = 6;
+constexpr int kLeastRests = 6;
+constexpr int kMostBetweenRests = 5000;
 constexpr size_t kToldEvents = 25;
 constexpr int kPaintMs = 25;  // a tick of the refresh, and a little
 constexpr int kAllTheWay = 40;
@@ -209,8 +210,9 @@ MonkeyReport Monkey::Play(int events) {
   try {
     window_.DismissWelcome();
     window_.Load(album_.paths().front().wstring());
+    const int rests = std::max(kLeastRests, events / kMostBetweenRests);
     for (done_ = 0; done_ < events; ++done_) {
-      if (done_ % std::max(1, events / kRests) == 0) Rest();
+      if (done_ % std::max(1, events / rests) == 0) Rest();
       DoSomething();
     }
     Rest();

@@ -64,8 +64,7 @@ std::vector<HWND> FindDescendants(HWND parent,
 // The dialog is known by its controls: its title changes with the language and
 // the day of the build.
 bool IsMainDialog(HWND window) {
-  return ::IsWindowVisible(window) && ClassOf(window) == kDialogClass &&
-         ::GetDlgItem(window, IDC_VIEW) &&
+  return ClassOf(window) == kDialogClass && ::GetDlgItem(window, IDC_VIEW) &&
          ::GetDlgItem(window, IDC_REGION_LIST);
 }
 
@@ -197,23 +196,46 @@ std::vector<HWND> TopWindows(DWORD process_id) {
   });
 }
 
-Process::Process(const std::wstring& program,
-                 const std::vector<std::wstring>& arguments) {
-  std::wstring line = QuotedCommandLine(program, arguments);
+HWND FindMainWindow(DWORD process_id) {
+  const std::vector<HWND> found = FindTopWindows([process_id](HWND window) {
+    return ProcessOf(window) == process_id && IsMainDialog(window);
+  });
+  return found.empty() ? nullptr : found.front();
+}
+
+// To be closed by the caller, unless it is none.
+static HANDLE OpenStream(Streams streams) {
   SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
-  const HANDLE nothing = ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE,
-                                       FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                       &inheritable, OPEN_EXISTING, 0, nullptr);
+  HANDLE reader = nullptr, writer = nullptr;
+  switch (streams) {
+    case Streams::kNothing:
+      return nullptr;
+    case Streams::kBrokenPipe:
+      ::CreatePipe(&reader, &writer, &inheritable, 0);
+      ::CloseHandle(reader);
+      return writer;
+    case Streams::kNullDevice:
+      break;
+  }
+  return ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                       OPEN_EXISTING, 0, nullptr);
+}
+
+Process::Process(const std::wstring& program,
+                 const std::vector<std::wstring>& arguments, Streams streams) {
+  std::wstring line = QuotedCommandLine(program, arguments);
+  const HANDLE stream = OpenStream(streams);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   // Wine's C runtime can only reopen a standard stream that was there before.
   startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = startup.hStdOutput = startup.hStdError = nothing;
+  startup.hStdInput = startup.hStdOutput = startup.hStdError = stream;
   // Detached: the program opens a console of its own.
   const BOOL started = ::CreateProcessW(
       program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
       nullptr, nullptr, &startup, &information_);
-  ::CloseHandle(nothing);
+  if (stream != nullptr) ::CloseHandle(stream);
   if (!started) {
     throw std::runtime_error("cannot start " + Utf8(program));
   }
@@ -243,7 +265,7 @@ Operator::Operator(DWORD process_id) {
   WaitUntil("the program's main window", [&] {
     const std::vector<HWND> found = FindTopWindows([&](HWND window) {
       return (process_id == 0 || ProcessOf(window) == process_id) &&
-             IsMainDialog(window);
+             ::IsWindowVisible(window) && IsMainDialog(window);
     });
     if (found.empty()) return false;
     dialog_ = found.front();
@@ -362,22 +384,27 @@ HWND Operator::WaitForFileDialog() const {
   return dialog;
 }
 
-std::wstring Operator::Load(const std::wstring& path) const {
-  ClearStatus();
-  Press(IDC_LOAD_IMAGE);
-  const HWND open = WaitForFileDialog();
-  // The only visible edit is the file name's; it comes some time after the
-  // dialog, and takes a text once the shell view behind it is there.
-  WaitUntil("the path in the file-open dialog", [&] {
-    const std::vector<HWND> edits = FindDescendants(open, [](HWND window) {
-      return ::IsWindowVisible(window) && ClassOf(window) == L"Edit";
-    });
+// The only visible edit is the file name's; it comes some time after the
+// dialog, and takes a text once the shell view behind it is there.
+void Operator::EnterPath(HWND file_dialog, const std::wstring& path) const {
+  WaitUntil("the path in the file dialog", [&] {
+    const std::vector<HWND> edits =
+        FindDescendants(file_dialog, [](HWND window) {
+          return ::IsWindowVisible(window) && ClassOf(window) == L"Edit";
+        });
     if (edits.empty()) return false;
     ::Sleep(300);
     Send(edits.front(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     return WindowText(edits.front()) == path;
   });
-  ::PostMessageW(open, WM_COMMAND, IDOK, 0);
+  ::PostMessageW(file_dialog, WM_COMMAND, IDOK, 0);
+}
+
+std::wstring Operator::Load(const std::wstring& path) const {
+  ClearStatus();
+  Press(IDC_LOAD_IMAGE);
+  const HWND open = WaitForFileDialog();
+  EnterPath(open, path);
   WaitUntil("the end of the file-open dialog",
             [open] { return !::IsWindow(open); });
   WaitUntil("a status after loading", [this] { return !Status().empty(); });

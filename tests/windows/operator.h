@@ -37,17 +37,29 @@ std::wstring ProgramPath();
 // The visible top-level windows of one process.
 std::vector<HWND> TopWindows(DWORD process_id);
 
-// A process that is started with the null device on its standard streams, and
-// ended with this object if it has not ended itself.
+// The main window of a process as soon as it exists, shown or not; else null.
+HWND FindMainWindow(DWORD process_id);
+
+// What a process finds on its standard streams.
+enum class Streams {
+  kNullDevice,
+  kNothing,     // handles that are none
+  kBrokenPipe,  // whose reader has ended
+};
+
+// A process that is started without a console, and ended with this object if it
+// has not ended itself.
 class Process {
  public:
   Process(const std::wstring& program,
-          const std::vector<std::wstring>& arguments);
+          const std::vector<std::wstring>& arguments,
+          Streams streams = Streams::kNullDevice);
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
   DWORD id() const { return information_.dwProcessId; }
+  HANDLE handle() const { return information_.hProcess; }
   bool HasEnded() const;
   // Waits for the end.
   DWORD ExitCode();
@@ -99,6 +111,8 @@ class Operator {
   // Load image: presses the button, enters the path in the file-open dialog,
   // presses Open. Returns the status.
   std::wstring Load(const std::wstring& path) const;
+  // Types a path into a file dialog and accepts it.
+  void EnterPath(HWND file_dialog, const std::wstring& path) const;
   // The file-open dialog, which must be showing.
   HWND WaitForFileDialog() const;
   // The dialog of any kind that the main window waits for; null if none shows.

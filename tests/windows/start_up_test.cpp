@@ -47,6 +47,18 @@ TEST(Placement, TitleOfALargerWindowStaysInReach) {
   EXPECT_EQ(PlaceForTitle(CRect(100, 100, 300, 300), work), CPoint(100, 100));
 }
 
+TEST(Placement, TitleInReachCanBeDragged) {
+  const CRect work(0, 24, 1366, 768);
+  using rendal::IsTitleInReach;
+  EXPECT_TRUE(IsTitleInReach(CRect(4, 24, 1360, 904), work, 20));
+  EXPECT_TRUE(IsTitleInReach(CRect(1266, 748, 2622, 1628), work, 20));
+  EXPECT_FALSE(IsTitleInReach(CRect(1267, 748, 2623, 1628), work, 20));
+  EXPECT_FALSE(IsTitleInReach(CRect(1266, 749, 2622, 1629), work, 20));
+  EXPECT_FALSE(IsTitleInReach(CRect(4, 23, 1360, 903), work, 20));
+  EXPECT_TRUE(IsTitleInReach(CRect(-1256, 24, 100, 904), work, 20));
+  EXPECT_FALSE(IsTitleInReach(CRect(-1257, 24, 99, 904), work, 20));
+}
+
 TEST(BuildDate, ReadsTheCompilersDate) {
   using rendal::BuildDate;
   using rendal::ParseBuildDate;
