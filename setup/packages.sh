@@ -8,7 +8,7 @@
 #   setup/packages.sh [GROUP...]
 #
 # Groups: native windows display, which are meant if none is named; installer,
-# which only setup/package.sh needs.
+# which only setup/package.sh needs; bench, the benchmarks' peers.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/common.sh"
 
@@ -16,9 +16,9 @@
 native_why="compilers and libraries of the Linux build"
 native=(
   build-essential cmake ninja-build pkg-config git ca-certificates
-  libopencv-dev
+  libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev
   libtbb-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
-  googletest libbenchmark-dev
+  googletest
   # The Debian packages' dependencies are found with it.
   file
   # Readers of result files that are not ours: the tests compare with them.
@@ -37,6 +37,8 @@ display=(
 )
 installer_why="packs the Windows installer"
 installer=(nsis)
+bench_why="what the benchmarks compare with"
+bench=(libopencv-dev libopencv-contrib-dev libleptonica-dev)
 
 missing_of() {
   local package
@@ -51,7 +53,7 @@ missing_of() {
 wanted=()
 for group in "$@"; do
   case $group in
-    native | windows | display | installer) ;;
+    native | windows | display | installer | bench) ;;
     *) usage_error "unknown group '$group'" ;;
   esac
   declare -n packages=$group why=${group}_why
