@@ -35,6 +35,17 @@ void WritePng(const fs::path& path, const cv::Mat& picture) {
               {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
+// The image library has an error of its own for it.
+bool IsOutOfMemory(const std::exception& error) {
+  const auto* const of_library = dynamic_cast<const cv::Exception*>(&error);
+  return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ||
+         (of_library != nullptr && of_library->code == cv::Error::StsNoMem);
+}
+
+std::string TextOf(const std::exception& error) {
+  return IsOutOfMemory(error) ? "out of memory" : error.what();
+}
+
 // Why a file cannot be worked on; nothing if it can.
 std::string WhyNot(const fs::path& path, const Workbench& bench,
                    const LoadReport& report) {
@@ -147,9 +158,8 @@ class ImageRun {
   void WritePicture(const fs::path& path, Draw draw) {
     try {
       WritePng(path, draw());
-    } catch (const std::bad_alloc&) {
-      throw;
     } catch (const std::exception& error) {
+      if (IsOutOfMemory(error)) throw;
       m_result.failures.push_back(error.what());
     }
   }
@@ -167,12 +177,9 @@ ImageResult RunImage(const std::vector<Step>& steps, const fs::path& image,
   ImageResult result;
   try {
     ImageRun(wishes, &result).Run(steps, image);
-  } catch (const std::bad_alloc&) {
-    result = {};
-    result.error = "out of memory";
   } catch (const std::exception& error) {
     result = {};
-    result.error = error.what();
+    result.error = TextOf(error);
   }
   return result;
 }
@@ -182,8 +189,12 @@ std::string DescribeImage(const fs::path& image, std::string* error) {
   Workbench bench;
   ViewState view;
   LoadReport report;
-  LoadImageFile(image, bench, view, &report);
-  *error = WhyNot(image, bench, report);
+  try {
+    LoadImageFile(image, bench, view, &report);
+    *error = WhyNot(image, bench, report);
+  } catch (const std::exception& failure) {
+    *error = TextOf(failure);
+  }
   if (!error->empty()) return {};
   const cv::Mat& grey = bench.m_srcImage;
   double least = 0;

@@ -239,6 +239,31 @@ TEST_F(CommandLineTest, NotesSayHowGreyValuesWereScaledUnlessQuiet) {
   EXPECT_EQ(m_error, "");
 }
 
+TEST_F(CommandLineTest, InfoSaysHowGreyValuesWereScaled) {
+  std::vector<unsigned char> bytes;
+  cv::Mat image(9, 9, CV_32F, cv::Scalar(-1));
+  image.col(3).setTo(2.5);
+  cv::imencode(".tif", image, bytes);
+  Run({"info", Written("a.tif", {bytes.begin(), bytes.end()})});
+  EXPECT_NE(m_out.find("\nbits       32 (floating point)\n"), std::string::npos)
+      << m_out;
+  EXPECT_NE(m_out.find("\nnote       grey 0..255 shows values -1..2.5\n"),
+            std::string::npos)
+      << m_out;
+}
+
+TEST_F(CommandLineTest, PatternsWithoutAFolderMeanTheCurrentOne) {
+  const fs::path before = fs::current_path();
+  fs::copy_file(Sample("parts.png"), m_folder / "b.png");
+  fs::copy_file(Sample("parts.png"), m_folder / "a.png");
+  CountRecipe(R"({"csv": "t.csv"})");
+  fs::current_path(m_folder);
+  const int code = Run({"run", "recipe", "?.png"});
+  fs::current_path(before);
+  EXPECT_EQ(code, kAllFine) << m_error;
+  EXPECT_EQ(m_out, "a.png: 10 components\nb.png: 10 components\n");
+}
+
 TEST_F(CommandLineTest, LinesAreFound) {
   cv::Mat image(200, 60, CV_8U, cv::Scalar(220));
   image.colRange(30, 60).setTo(30);

@@ -73,6 +73,12 @@ TEST_F(CommandLineTest, WrongUseIsRefusedBeforeAnythingIsDone) {
       {"blob", image, "--gray", "0", "9", "--opening", "circle:0"},
       {"blob", image, "--gray", "0", "9", "--opening", "rect:3"},
       {"blob", image, "--gray", "0", "9", "--boundary", "both"},
+      {"blob", image, "--gray", "0", "9", "--opening", "rect:3x0"},
+      {"blob", image, "--gray", "0", "9", "--opening", "ring:3x3"},
+      {"blob", image, "--gray", "0", "9", "--select", "area"},
+      {"blob", image, "--gray", "0", "9", "--select", "area:5"},
+      {"blob", image, "--gray", "0", "9", "--select", "1..2"},
+      {"blob", image, "--gray", "0", "9", "--select", "1..2:area"},
       {"blob", image, "--gray", "0", "9", "--select", "aria:1..2"},
       {"blob", image, "--gray", "0", "9", "--select", "area:2..1"},
       {"blob", image, "--gray", "0", "9", "--select", "area:x..1"},
@@ -126,12 +132,19 @@ TEST_F(CommandLineTest, WrongRecipesAreNamedWithTheirPlace) {
 }
 
 TEST_F(CommandLineTest, AFitThatFailsIsAFailure) {
-  EXPECT_EQ(Run({"measure", Sample("parts.png"), "--line", "5,5,30,5",
-                 "--amplitude", "250", "--csv", In("m.csv")}),
-            kSomethingFailed);
+  EXPECT_EQ(
+      Run({"measure", Sample("parts.png"), "--line", "5,5,30,5", "--amplitude",
+           "250", "--csv", In("m.csv"), "--json", In("m.json")}),
+      kSomethingFailed);
   EXPECT_NE(m_error.find("steps[0]: line: "), std::string::npos) << m_error;
   EXPECT_NE(m_out.find("code          -3"), std::string::npos) << m_out;
   EXPECT_EQ(Table(Content("m.csv")).size(), 2u);
+  const std::string json = Content("m.json");
+  EXPECT_NE(json.find("\"code\":-3"), std::string::npos) << json;
+  EXPECT_NE(json.find("\"error\":\"" +
+                      std::string(vexolab_error_text(VEXOLAB_E_TOO_FEW)) + '"'),
+            std::string::npos)
+      << json;
 }
 
 TEST_F(CommandLineTest, ResultsNeverTakeTheRecipesPlace) {
