@@ -215,6 +215,12 @@ TEST_F(RoiInteraction, HandlesAreTestedInTheirOrderTheFirstHitWins) {
   EXPECT_EQ(HitHandle(ellipse, m_view, 200, 175), -1);
 }
 
+TEST_F(RoiInteraction, EllipseMovesByItsCentre) {
+  RoiShape shape{kToolEllipse, {200, 150, 30, 100, 50}};
+  MoveHandle(shape, 0, {210, 140});
+  EXPECT_EQ(shape, (RoiShape{kToolEllipse, {210, 140, 30, 100, 50}}));
+}
+
 TEST_F(RoiInteraction, EllipseAxisEndsSizeTheirAxes) {
   RoiShape shape{kToolEllipse, {200, 150, 0, 100, 50}};
   MoveHandle(shape, 1, {260, 170});

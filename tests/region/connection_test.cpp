@@ -289,6 +289,24 @@ TEST(ConnectionChords, ResultHoldsAllChordsNumberedByComponent) {
   }
 }
 
+TEST_P(Connection, ReachesBothEndsOfTheColumns) {
+  constexpr int kFirst = -2147483647 - 1, kLast = 2147483647;
+  const Runs runs = {{0, kFirst, kFirst + 3},     {0, kLast - 3, kLast},
+                     {1, kFirst + 4, kFirst + 4}, {1, kLast - 4, kLast - 4},
+                     {2, kFirst, kFirst},         {2, kLast, kLast}};
+  for (const vector_level level :
+       {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+    vexo::internal::set_vector_limit(level);
+    region input = vexo_test::region_of(runs);
+    input.to_3();
+    region corners, edges;
+    EXPECT_EQ(connect(GetParam(), input, &corners, 1), 4);
+    EXPECT_EQ(connect(GetParam(), input, &edges, 0), 6);
+    EXPECT_EQ(child_runs(GetParam(), corners, 0), (Runs{runs[0], runs[2]}));
+    EXPECT_EQ(child_runs(GetParam(), corners, 1), (Runs{runs[1], runs[3]}));
+  }
+}
+
 TEST(ConnectionChords, EmptyInputGivesNone) {
   region input, result;
   EXPECT_EQ(vexo::connection(input, &result, 0), 0);

@@ -211,8 +211,9 @@ TEST_F(MorphologyForms, RowsAndColumnsFarApartCostNothing) {
 }
 
 TEST_F(MorphologyForms, RowsFarApartAreSeparateBands) {
-  const region source = region_of({{0, 5, 9}, {100000000, 5, 9}});
-  for (const int height : {3, 501}) {
+  for (const auto& [gap, height] :
+       {std::pair(60, 3), std::pair(100000000, 3), std::pair(100000000, 501)}) {
+    const region source = region_of({{0, 5, 9}, {gap, 5, 9}});
     region element;
     vexo::gen_se_rectangle(3, height, &element);
     for (const morphology_form form : kForms) {
