@@ -4,8 +4,6 @@
 // and done again.
 #include <afxdlgs.h>
 
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "app/rendal_dlg.h"
@@ -105,14 +103,14 @@ void CRendalDlg::OnRunRecipe() {
 
 // Up to the first step that a tool refuses; what it said stays in the label.
 void CRendalDlg::RunRecipe(const std::filesystem::path& path) {
-  std::ifstream file(rendal::WithoutLengthLimit(path), std::ios::binary);
-  if (!file) {
+  const std::filesystem::path file = rendal::WithoutLengthLimit(path);
+  std::error_code error;
+  if (!std::filesystem::exists(file, error)) {
     ShowStatus(rendal::messages::NoSuchFile(
         m_language, rendal::ToUtf8(path.filename().wstring())));
     return;
   }
-  const std::string text(std::istreambuf_iterator<char>(file), {});
-  const rendal::Recipe recipe = rendal::ReadRecipe(text);
+  const rendal::Recipe recipe = rendal::ReadRecipeFile(file);
   for (const rendal::Step& step : recipe.steps) {
     const bool isDone = DoStep(step);
     ShowParametersOf(step);

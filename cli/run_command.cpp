@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <system_error>
 
 #include "cli/commands.h"
 #include "cli/image_list.h"
@@ -13,20 +11,6 @@ namespace rendal {
 namespace {
 
 namespace fs = std::filesystem;
-
-// As much of it as may be a recipe, and a byte more.
-std::string TextOf(const fs::path& path) {
-  std::error_code error;
-  std::ifstream file(path, std::ios::binary);
-  if (!file || fs::is_directory(path, error)) {
-    throw RecipeError("", "cannot be read");
-  }
-  std::string text(kLongestRecipe + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.bad()) throw RecipeError("", "cannot be read");
-  text.resize(static_cast<size_t>(file.gcount()));
-  return text;
-}
 
 std::string WithName(std::string pattern, const std::string& name) {
   constexpr std::string_view kMark = "{name}";
@@ -113,7 +97,7 @@ void AddRunCommand(CLI::App& app, RunOptions& options) {
 ExitCode RunRecipe(const RunOptions& options) {
   Recipe recipe;
   try {
-    recipe = ReadRecipe(TextOf(PathOf(options.recipe)));
+    recipe = ReadRecipeFile(PathOf(options.recipe));
   } catch (const RecipeError& error) {
     std::fprintf(stderr, "rendal-cli: %s: %s\n", options.recipe.c_str(),
                  error.what());

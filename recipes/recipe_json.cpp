@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
@@ -350,6 +351,19 @@ void CheckSteps(const std::vector<Step>& steps) {
                                    : "there is no \"threshold\" before it");
     }
   }
+}
+
+Recipe ReadRecipeFile(const std::filesystem::path& path) {
+  std::error_code error;
+  std::ifstream file(path, std::ios::binary);
+  if (!file || std::filesystem::is_directory(path, error)) {
+    throw RecipeError("", "cannot be read");
+  }
+  std::string text(kLongestRecipe + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (file.bad()) throw RecipeError("", "cannot be read");
+  text.resize(static_cast<size_t>(file.gcount()));
+  return ReadRecipe(text);
 }
 
 Recipe ReadRecipe(std::string_view text) {

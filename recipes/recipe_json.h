@@ -4,6 +4,7 @@
 #ifndef RENDAL_RECIPES_RECIPE_JSON_H_
 #define RENDAL_RECIPES_RECIPE_JSON_H_
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -28,6 +29,10 @@ class RecipeError : public std::runtime_error {
 // range, for steps that nothing leads up to, and for file names that are more
 // than names.
 Recipe ReadRecipe(std::string_view text);
+
+// The same of a file, of which it never reads more than kLongestRecipe and a
+// byte. "cannot be read" where there is none.
+Recipe ReadRecipeFile(const std::filesystem::path& path);
 
 // Reads back as the same recipe.
 std::string WriteRecipe(const Recipe& recipe);

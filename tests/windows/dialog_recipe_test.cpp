@@ -226,6 +226,19 @@ TEST_F(DialogRecipe, WhatIsNoRecipeIsToldAndChangesNothing) {
   });
 }
 
+// Of 64 GB, which no one could wait for.
+TEST_F(DialogRecipe, FileThatIsTooLongIsToldWithoutReadingIt) {
+  const fs::path image = WriteImage("part.png", Part());
+  const fs::path file = image.parent_path() / "a.json";
+  std::ofstream(file) << "{";
+  fs::resize_file(file, uintmax_t{64} << 30);
+  Open(image, [&] {
+    WithFile(IDM_RUN_RECIPE, file);
+    EXPECT_NE(Status().find(L"it is too long"), std::wstring::npos) << Status();
+    EXPECT_EQ(ColorsOf(IDC_STATUS).text, RGB(255, 0, 0));
+  });
+}
+
 TEST_F(DialogRecipe, StepThatFailsEndsTheRun) {
   const fs::path image = WriteImage("part.png", Part());
   const fs::path file = image.parent_path() / "a.json";
