@@ -2,6 +2,7 @@
 #include "app/view/image_header.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace rendal {
@@ -157,7 +158,21 @@ Size ReadClaimedSize(Bytes bytes) {
   if (StartsWith(bytes, "MM\0*"sv)) return TiffSize(bytes, true, false);
   if (StartsWith(bytes, "II+\0"sv)) return TiffSize(bytes, false, true);
   if (StartsWith(bytes, "MM\0+"sv)) return TiffSize(bytes, true, true);
-  return std::nullopt;
+  return ReadRareClaimedSize(bytes);
+}
+
+bool HasCommonFormat(Bytes bytes) {
+  using namespace std::string_view_literals;
+  constexpr std::string_view kBegins[] = {"\x89PNG\r\n\x1A\n"sv,
+                                          "BM"sv,
+                                          "\xFF\xD8"sv,
+                                          "II*\0"sv,
+                                          "MM\0*"sv,
+                                          "II+\0"sv,
+                                          "MM\0+"sv};
+  return std::any_of(
+      std::begin(kBegins), std::end(kBegins),
+      [&](std::string_view begin) { return StartsWith(bytes, begin); });
 }
 
 }  // namespace rendal

@@ -19,10 +19,19 @@ struct ClaimedSize {
   bool operator==(const ClaimedSize&) const = default;
 };
 
-// The size that the header of a PNG, BMP, JPEG or TIFF file (its first page)
-// claims, whether its pixels follow or not. Nothing for other files and where
-// the bytes end before the header does. Reads the header only.
+// The size that the header of a file claims, whether its pixels follow or not:
+// of a PNG, BMP, JPEG or TIFF (its first page); of a portable map (P1 to P7,
+// PF, Pf), a Radiance picture, a Sun raster file. Nothing for other files and
+// where the bytes end before the header does. Reads the header only.
 std::optional<ClaimedSize> ReadClaimedSize(
+    std::span<const unsigned char> bytes);
+
+// Whether it begins as a PNG, BMP, JPEG or TIFF.
+bool HasCommonFormat(std::span<const unsigned char> bytes);
+
+// The part of ReadClaimedSize() for the formats that are seldom seen. A header
+// that their decoders might understand in another way counts as none.
+std::optional<ClaimedSize> ReadRareClaimedSize(
     std::span<const unsigned char> bytes);
 
 }  // namespace rendal

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 #include <limits>
+#include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -14,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/view/steady_file.h"
 #include "tools/console_text.h"
 
 namespace rendal {
@@ -32,17 +34,14 @@ std::string Utf8(const fs::path& path) {
 
 // The bytes of a regular file; none if it cannot be read.
 Bytes ReadFile(const fs::path& path) {
-  std::error_code error;
-  const uintmax_t size = fs::file_size(path, error);
-  Bytes bytes;
-  if (error || size == 0) return bytes;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return bytes;
-  bytes.resize(size);
-  file.read(reinterpret_cast<char*>(bytes.data()),
-            static_cast<std::streamsize>(size));
-  bytes.resize(static_cast<size_t>(file.gcount()));
-  return bytes;
+  auto bytes = ReadSteadyFile([&]() -> std::unique_ptr<std::istream> {
+    auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
+    if (!*file) return nullptr;
+    return file;
+  });
+  if (bytes) return std::move(*bytes);
+  ConsolePrintf("the image file changes while it is read\n");
+  return {};
 }
 
 // Position after the last marker FF `code`; 0 if there is none.
@@ -89,6 +88,7 @@ cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
     report->too_large = claimed;
     return {};
   }
+  if (!claimed && !HasCommonFormat(bytes)) return {};
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
     ConsolePrintf("the image file is cut off\n");
     report->is_cut_off = true;

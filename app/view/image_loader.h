@@ -39,11 +39,16 @@ struct LoadReport {
 //             line that names the path. So do damaged files, except that a
 //             JPEG that is cut off in its picture opens, grey where it has no
 //             data, and the console says so.
-//   Too large A PNG, BMP, JPEG or TIFF file of less than 2 GB whose header claims
-//             more than Workbench::m_maxImagePixels is refused before memory is
-//             taken for its pixels: red status, everything stays. Other files
-//             have the image library's limit of 2^30 pixels and count as no
-//             image above it.
+//   Formats   PNG, BMP, JPEG, TIFF; portable maps (PBM to PAM, PFM), Radiance
+//             (HDR), Sun raster. Others are no images, whatever the image
+//             library of this system could decode.
+//   Too large A file of less than 2 GB whose header claims more than
+//             Workbench::m_maxImagePixels is refused before memory is taken for
+//             its pixels: red status, everything stays. Larger files have the
+//             image library's limit of 2^30 pixels and count as no image above
+//             it.
+//   Written   A file that is being written while it is read is read again, and
+//             counts as no image if it does not come to rest.
 //   Throws    std::bad_alloc, cv::Exception when memory runs out; the
 //             workbench and the view are as before. Except within a decoder:
 //             the image library then says no more than that the file is no

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <opencv2/imgcodecs.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace rendal {
 namespace {
 
 using testing_images::Bytes;
+using Size = std::optional<ClaimedSize>;
 
 Bytes FromText(const std::string& text) {
   return Bytes(text.begin(), text.end());
@@ -32,6 +34,58 @@ TEST(ClaimedSize, IsThatOfFilesAsTheyAreWritten) {
       ASSERT_TRUE(cv::imencode(extension, cv::Mat(37, 300, type), bytes));
       EXPECT_EQ(ReadClaimedSize(bytes), (ClaimedSize{300, 37})) << extension;
     }
+  }
+}
+
+TEST(ClaimedSize, IsThatOfRareFormatsAsTheyAreWritten) {
+  const cv::Mat grey(37, 300, CV_8UC1, cv::Scalar(9));
+  const cv::Mat colour(37, 300, CV_8UC3, cv::Scalar(9, 9, 9));
+  const cv::Mat real(37, 300, CV_32FC1, cv::Scalar(9));
+  const struct {
+    const char* extension;
+    const cv::Mat& image;
+  } files[] = {{".pbm", grey}, {".pgm", grey},   {".ppm", colour},
+               {".pam", grey}, {".pam", colour}, {".pfm", real},
+               {".ras", grey}, {".ras", colour}, {".hdr", colour}};
+  for (const auto& [extension, image] : files) {
+    Bytes bytes;
+    ASSERT_TRUE(cv::imencode(extension, image, bytes));
+    EXPECT_EQ(ReadClaimedSize(bytes), (ClaimedSize{300, 37})) << extension;
+    EXPECT_FALSE(HasCommonFormat(bytes));
+  }
+}
+
+Size SizeIn(const std::string& text) { return ReadClaimedSize(FromText(text)); }
+
+TEST(ClaimedSize, OfPortableMapsIsTakenAsTheDecoderTakesIt) {
+  EXPECT_EQ(SizeIn("P5 60000 50000 255 "), (ClaimedSize{60000, 50000}));
+  EXPECT_EQ(SizeIn("P2#c 1\n \t7 # 8\n#\n9\n"), (ClaimedSize{7, 9}));
+  EXPECT_EQ(SizeIn("P6 12#34 56"), (ClaimedSize{12, 34}));
+  for (const char* text :
+       {"P5", "P5 ", "P5 7", "P5 7 ", "P5 7 8", "P5 x 8 ", "P5 -7 8 ",
+        "P5 2147483648 8 ", "P5 7 99999999999999999999 ", "P8 7 8 ", "P5 #"}) {
+    EXPECT_EQ(SizeIn(text), std::nullopt) << text;
+  }
+  EXPECT_EQ(SizeIn("PF\n7 8\n-1\n"), (ClaimedSize{7, 8}));
+  EXPECT_EQ(SizeIn("PF\n7  8\n"), std::nullopt);
+  EXPECT_EQ(SizeIn("PF\n7x 8\n"), std::nullopt);
+  EXPECT_EQ(SizeIn("P7\nWIDTH 7\nHEIGHT 8\nWIDTH 9\nENDHDR\n"),
+            (ClaimedSize{9, 8}));
+  EXPECT_EQ(SizeIn("P7\nWIDTH 7\nENDHDR\n"), std::nullopt);
+  EXPECT_EQ(SizeIn("P7\nWIDTH 7\nHEIGHT 8\n"), std::nullopt);
+  EXPECT_EQ(SizeIn("P7\nWIDTH x\nHEIGHT 8\nENDHDR\n"), std::nullopt);
+}
+
+TEST(ClaimedSize, OfRadiancePicturesStandsBehindTheBlankLine) {
+  const std::string begin = "#?RADIANCE\nEXPOSURE=1\n";
+  const std::string format = "FORMAT=32-bit_rle_rgbe\n";
+  EXPECT_EQ(SizeIn(begin + format + "\n-Y 8 +X 7\n"), (ClaimedSize{7, 8}));
+  for (const std::string& text :
+       {begin + "\n-Y 8 +X 7\n", begin + format + "-Y 8 +X 7\n",
+        begin + format + "\n+X 7 -Y 8\n", begin + format + "\n-Y 8 +X 7",
+        begin + format + "\n-Y -8 +X 7\n", begin + format + "\n-Y 8 -X 7\n",
+        begin + format + "\n", begin + format}) {
+    EXPECT_EQ(SizeIn(text), std::nullopt) << text;
   }
 }
 
@@ -91,7 +145,7 @@ TEST(ClaimedSize, IsNoneWhereTheHeaderIsCutOffAndInOtherFiles) {
     }
     EXPECT_EQ(ReadClaimedSize(std::span(bytes.data(), 15)), std::nullopt);
   }
-  EXPECT_EQ(ReadClaimedSize(FromText("P5 60000 60000 255 ")), std::nullopt);
+  EXPECT_EQ(ReadClaimedSize(FromText("no picture")), std::nullopt);
 }
 
 // A directory at 16, after eight bytes that an entry may point at.

@@ -8,6 +8,7 @@
 #include <limits>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <string_view>
 
 #include "tests/app/image_bytes.h"
 
@@ -332,13 +333,31 @@ TEST_F(ImageLoader, FileThatClaimsTooManyPixelsIsRefusedAndNothingChanges) {
 }
 
 TEST_F(ImageLoader, LimitOfPixelsHoldsForEveryFormatAndIsInclusive) {
-  for (const char* extension : {".png", ".bmp", ".jpg", ".tif"}) {
+  for (const char* extension : {".png", ".bmp", ".jpg", ".tif", ".pbm", ".pgm",
+                                ".ppm", ".pam", ".pfm", ".hdr", ".ras"}) {
     SCOPED_TRACE(extension);
-    const cv::Mat image(50, 70, CV_8U, cv::Scalar(5));
+    const bool has_colour =
+        std::string(extension) == ".hdr" || std::string(extension) == ".ppm";
+    const cv::Mat image(50, 70, has_colour ? CV_8UC3 : CV_8U,
+                        cv::Scalar(5, 5, 5));
     m_bench.m_maxImagePixels = 3500;
     ExpectOpened(LoadMat(image, extension), 70, 50);
     m_bench.m_maxImagePixels = 3499;
     EXPECT_EQ(LoadMat(image, extension).tone, Tone::kError);
+  }
+}
+
+// Some builds of the image library would decode them, of any size.
+TEST_F(ImageLoader, OtherFormatsAreNotRead) {
+  using namespace std::string_view_literals;
+  for (const std::string_view begin :
+       {"RIFF\x1A\0\0\0WEBPVP8L"sv, "\0\0\0\x0CjP  \r\n\x87\n"sv,
+        "\xFF\x4F\xFF\x51\0\x2F"sv, "\x76\x2F\x31\x01\2\0\0\0"sv,
+        "GIF89a\1\0\1\0"sv}) {
+    Bytes bytes(begin.begin(), begin.end());
+    bytes.resize(500);
+    ExpectNoImage(LoadBytes(bytes));
+    EXPECT_EQ(m_console.find("image library"), std::string::npos) << m_console;
   }
 }
 
