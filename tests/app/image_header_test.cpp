@@ -129,6 +129,14 @@ TEST(ClaimedSize, OfJpegsIsFoundBehindOtherSegments) {
                       0xC0, 0,    0,    0xFF, 0xFF, 0xC2, 0,
                       8,    8,    0x12, 0x34, 0x56, 0x78, 1};
   EXPECT_EQ(ReadClaimedSize(jpeg), (ClaimedSize{0x5678, 0x1234}));
+  // These three are no frames: tables, an extension, conditions.
+  for (const int marker : {0xC4, 0xC8, 0xCC}) {
+    Bytes tables = {
+        0xFF, 0xD8, 0xFF, static_cast<unsigned char>(marker), 0, 9, 1, 2, 3, 4,
+        5,    6,    7};
+    tables.insert(tables.end(), jpeg.begin() + 10, jpeg.end());
+    EXPECT_EQ(ReadClaimedSize(tables), (ClaimedSize{0x5678, 0x1234})) << marker;
+  }
   const Bytes scan_first = {0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xC0,
                             0,    8,    8,    0,    1, 0, 1};
   EXPECT_EQ(ReadClaimedSize(scan_first), std::nullopt);

@@ -245,6 +245,12 @@ TEST(StepNumber, RoundingErrorsAtAnEndAreNoOvershoot) {
   EXPECT_EQ(StepNumber(10 - 0.1 + 1e-7, 1, kSigma, true), 0.4);
 }
 
+TEST(StepNumber, RoundingErrorsAtAnEndDoNotWrapAround) {
+  // 0.3 - 0.1 is less than 0.2, 0.1 + 0.2 more than 0.3.
+  EXPECT_EQ(StepNumber(0.3, -1, {0.2, 0.8, 0.1}, true), 0.2);
+  EXPECT_EQ(StepNumber(0.1, 1, {0.1, 0.3, 0.2}, true), 0.3);
+}
+
 TEST(StepNumber, NoTraceOfRoundingIsLeftAtZero) {
   // 5 * 0.07 is a little above 0.35; the text would be -5.55e-17.
   EXPECT_EQ(Click(L"0.35", -5, {0, 7, 0.07}), "0");

@@ -123,6 +123,15 @@ TEST_P(Components, GrownRegionsEndInTheImagesLastRowAndColumn) {
   EXPECT_EQ(m_bench.m_components[3].bbox[3], 59);
 }
 
+TEST_P(Components, ResultsOfSetOperationsKnowTheImagesSize) {
+  Threshold(m_bench, {0, 100});
+  for (const char* name : {"union", "difference", "intersection"}) {
+    ApplyRegionOperation(m_bench, *OperationByName(name), {});
+    EXPECT_EQ(m_bench.m_lastRegion->width, 60) << name;
+    EXPECT_EQ(m_bench.m_lastRegion->height, 40) << name;
+  }
+}
+
 TEST_P(Components, NothingGoesThroughAChainAsNothing) {
   m_bench.m_keepsEmptyRegions = true;
   EXPECT_EQ(Threshold(m_bench, {201, 255}).tone, Tone::kSuccess);

@@ -70,6 +70,19 @@ TEST(RegionOverlay, ItemsKeepTheirChordsAsTheyWere) {
   EXPECT_EQ(overlay[0].chords[1].col_begin, 1);
 }
 
+TEST(RegionOverlay, RowsBeyond65536AreInOrder) {
+  RegionOverlay overlay;
+  overlay.Replace({Item({{1, 2, 65537, 0}, {1, 2, 65535, 0}}),
+                   Item({{3, 4, 2, 0}, {3, 4, 0, 0}})});
+  using Row = std::vector<std::array<int, 3>>;
+  for (const int row : {65535, 65537}) {
+    EXPECT_EQ(RowOf(overlay, row), (Row{{1, 2, 0}})) << row;
+  }
+  for (const int row : {0, 2}) {
+    EXPECT_EQ(RowOf(overlay, row), (Row{{3, 4, 1}})) << row;
+  }
+}
+
 TEST(RegionOverlay, RowsFarApartCostNoTable) {
   RegionOverlay overlay;
   overlay.Replace({Item({{0, 1, INT32_MAX, 0}, {2, 3, INT32_MIN, 0}}),

@@ -143,6 +143,9 @@ TEST(FitLine, KeepsAsManyPointsAsTheCallerAsksFor) {
   const result twelve = fit(p, VEXOLAB_LINE, {7, 2, 20, 12});
   ASSERT_EQ(twelve.code, 0);
   EXPECT_NEAR(twelve.v[3], 0, 1e-12);
+  const result thirteen = fit(p, VEXOLAB_LINE, {7, 2, 20, 13});
+  ASSERT_EQ(thirteen.code, 0);
+  EXPECT_GT(thirteen.v[3], 0.1);
   const result sixteen = fit(p, VEXOLAB_LINE, {7, 2, 20, 16});
   ASSERT_EQ(sixteen.code, 0);
   EXPECT_GT(sixteen.v[3], 0.3);

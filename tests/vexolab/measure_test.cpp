@@ -21,6 +21,7 @@
 #include "vexolab/pixel_strip.h"
 #include "vexolab/profile.h"
 #include "vexolab/rectangles.h"
+#include "vexolab/step_model.h"
 #include "vexolab/vexolab.h"
 
 namespace vexolab {
@@ -233,7 +234,9 @@ struct Located {
   location at;
 };
 
-Located Locate(double psf, double angle, double noise, double curvature) {
+// The detector's position is `off` by so much.
+Located Locate(double psf, double angle, double noise, double curvature,
+               double off = 0) {
   synthetic::random r(static_cast<uint64_t>(1000 * psf + angle));
   synthetic::coverage c(81, 81);
   const frame f = frame_of(40.25, 39.5, angle, 10, 5);
@@ -255,6 +258,7 @@ Located Locate(double psf, double angle, double noise, double curvature) {
   std::vector<edge> edges;
   find_edges(p, d, 1, 40, &edges);
   EXPECT_EQ(edges.size(), 1u);
+  edges.at(0).u += off;
   locator l;
   l.prepare(p);
   return {u, l.locate(view_of(g), f, p, edges.at(0), 1, {curvature})};
@@ -277,6 +281,17 @@ TEST(Location, KnowsHowSureItIs) {
   // The bound for a straight edge, A 150, noise 5, 10 px wide.
   const double bound = 5.0 / 150 * std::sqrt(2 * 1.7725 * 0.757 / 10);
   EXPECT_NEAR(std::sqrt(found.at.variance), bound, 0.25 * bound);
+}
+
+TEST(Location, FitFarFromTheDetectedEdgeIsNotBelieved) {
+  for (const double side : {-1.0, 1.0}) {
+    const Located near = Locate(0.7, 17, 0, 0, 0.8 * side);
+    EXPECT_TRUE(near.at.fitted);
+    EXPECT_NEAR(near.at.u, near.truth, 0.01);
+    const Located far = Locate(0.7, 17, 0, 0, 1.3 * side);
+    EXPECT_FALSE(far.at.fitted);
+    EXPECT_NEAR(far.at.u, far.truth + 1.3 * side, 0.1);
+  }
 }
 
 TEST(Location, BlurMovesACurvedEdgeTowardItsCentre) {
@@ -464,6 +479,29 @@ TEST(PixelStrip, PixelsOnItsBorderCountInPart) {
   for (size_t i = 0; i < strip.size(); ++i) {
     const double row = std::fabs(strip.v()[i]) * 2.25;
     EXPECT_FLOAT_EQ(strip.weight()[i], row > 1.5 ? 0.75f : 1.0f) << row;
+  }
+}
+
+// At a small blur a pixel's square shows in the shape of the step.
+TEST(StepModel, IsTheStepThatSquarePixelsSee) {
+  constexpr double kPsf = 0.3;
+  for (const double at : {20.0, 20.2, 20.4, 20.6, 20.8}) {
+    synthetic::random r(1);
+    synthetic::coverage c(41, 41);
+    synthetic::add_half_plane(at, 20, 0, kPsf, 1, &c);
+    const auto g = synthetic::expose(c, {20, 200, 0, nullptr}, &r);
+    pixel_strip strip;
+    strip.gather(view_of(g), frame_of(at, 20, 0, 8, 5), {0, 0, {}, -6, 6, 5});
+    const double variance = kPsf * kPsf + 1.0 / 12;
+    const step_model model = {20,
+                              200,
+                              0,
+                              0,
+                              std::sqrt(variance),
+                              -1 / (120.0 * 24 * variance * variance)};
+    const auto e = equations_of<kCoreUnknowns>(strip, model);
+    // Rounding alone leaves 1/12 of each pixel.
+    EXPECT_LT(e.squares / static_cast<double>(strip.size()), 0.15) << at;
   }
 }
 
