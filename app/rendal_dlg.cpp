@@ -100,6 +100,7 @@ CRendalDlg::CRendalDlg(CWnd* parent)
 
 BOOL CRendalDlg::OnInitDialog() {
   CDialogEx::OnInitDialog();
+  m_isClosing = false;
   m_recentFiles = std::make_unique<rendal::RecentFiles>(m_settingsKey);
   ExtendSystemMenu();
   SetIcon(m_hIcon, TRUE);
