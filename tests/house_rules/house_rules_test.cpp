@@ -284,4 +284,30 @@ TEST(HouseRules, EveryFaultOfTheMutationCheckHasOnePlace) {
   }
 }
 
+// `Suite.Name`, `Suite.*` or `Suite.Start...` of the page.
+TEST(HouseRules, QualityPageNamesTestsThatExist) {
+  const fs::path root = RENDAL_SOURCE_DIR;
+  std::string tests;
+  for (const Source& source : ReadSources()) {
+    if (!StartsWith(source.path, "tests/")) continue;
+    for (const std::string& line : source.lines) tests += line + "\n";
+  }
+  const std::regex name("`([A-Z][A-Za-z]+)\\.([A-Za-z0-9]+)?([*.]*)`");
+  int names = 0;
+  for (const std::string& line : LinesOf(root / "docs" / "quality.md")) {
+    for (std::sregex_iterator m(line.begin(), line.end(), name), end; m != end;
+         ++m, ++names) {
+      const std::string suite = (*m)[1], test = (*m)[2];
+      const bool is_whole = (*m)[3].length() == 0;
+      const std::regex known("TEST(_F|_P)?\\(" + suite + ",\\s+" + test +
+                             (is_whole ? "\\)" : ""));
+      EXPECT_TRUE(std::regex_search(tests, known) ||
+                  tests.find(suite + "." + test) != std::string::npos ||
+                  (suite == "Cli" && tests.find(test) != std::string::npos))
+          << m->str();
+    }
+  }
+  EXPECT_GE(names, 30);
+}
+
 }  // namespace
