@@ -58,10 +58,17 @@ function(rendal_compile_fast target)
   target_compile_options(${target} PRIVATE ${rendal_fast_compilation})
 endfunction()
 
+# Starting a program costs more than most cases take where it is instrumented or
+# runs under Wine. There a program without windows is one CTest test, and leaves
+# its cases in cases/NAME.xml; otherwise each case is one, in a process of its own.
+set(rendal_cases_share_process OFF)
+if(RENDAL_SANITIZE OR WIN32)
+  set(rendal_cases_share_process ON)
+endif()
+
 # rendal_test(name SOURCES file... LIBRARIES target... [LABELS label...])
-# One GoogleTest program; each of its cases is one CTest test. Labels that mean
-# something to the runner: "window" (needs the display, one such test at a
-# time).
+# One GoogleTest program. Labels that mean something to the runner: "window"
+# (needs the display, one such test at a time).
 function(rendal_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
@@ -75,6 +82,12 @@ function(rendal_test name)
       target_compile_options(${name} PRIVATE
         -Wno-array-bounds -Wno-stringop-overread)
     endif()
+  endif()
+  if(rendal_cases_share_process AND NOT "window" IN_LIST ARG_LABELS)
+    add_test(NAME ${name}
+      COMMAND ${name} --gtest_brief=1 --gtest_output=xml:cases/${name}.xml)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS "${ARG_LABELS}")
+    return()
   endif()
   set(properties TIMEOUT 300 LABELS "${ARG_LABELS}")
   if("window" IN_LIST ARG_LABELS)
