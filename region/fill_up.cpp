@@ -5,9 +5,12 @@
 // the outside, which is everything left of a row's first run, right of its last
 // run, and every row without runs. What does not belong to the outside is a
 // hole. This is the same as labelling the background inside the bounding box,
-// without building it.
+// without building it. Where runs are many it is built, in bits.
 #include <algorithm>
+#include <optional>
+#include <utility>
 
+#include "region/internal/bit_fill.h"
 #include "region/internal/memory.h"
 #include "region/internal/row_overlaps.h"
 #include "region/internal/union_find.h"
@@ -191,10 +194,6 @@ run_buffer runs_from(const internal::chord_view& chords) {
   return runs;
 }
 
-run_view view_of(const run_buffer& runs) {
-  return {runs.rows(), runs.begins(), runs.ends(), runs.size()};
-}
-
 // Calls fill(runs) with runs of which none touch.
 template <class Fill>
 void with_separate_runs(const run_view& runs, Fill fill) {
@@ -207,6 +206,11 @@ void with_separate_runs(const run_view& runs, Fill fill) {
   } else {
     fill(runs);
   }
+}
+
+std::optional<run_buffer> filled_in_bits(const run_view& runs) {
+  if (!internal::dense_gaps(runs)) return std::nullopt;
+  return internal::bit_fill_up(runs);
 }
 
 void carry_image_size(const region& input, region* result) {
@@ -223,6 +227,13 @@ void fill_up(region& input, region* result) {
   internal::chord_buffer filled(chords.count);
   with_separate_runs(view_of(unpacked), [&filled](const run_view& runs) {
     chord* const out = filled.data();
+    if (const auto bits = filled_in_bits(runs)) {
+      filled.set_size(bits->size());
+      for (size_t i = 0; i < bits->size(); ++i) {
+        out[i] = {bits->begins()[i], bits->ends()[i], bits->rows()[i], 0};
+      }
+      return;
+    }
     filled.set_size(
         write_filled(runs, gap_labeller(runs),
                      [out](size_t o, int32_t row, int32_t begin, int32_t end) {
@@ -238,6 +249,10 @@ void fill_up_y(const region& input, region* result) {
   if (all.count == 0 || input.child_count > 0) return;
   run_buffer filled(all.count);
   with_separate_runs(all, [&filled](const run_view& runs) {
+    if (auto bits = filled_in_bits(runs)) {
+      filled = std::move(*bits);
+      return;
+    }
     int32_t* const rows = filled.rows();
     int32_t* const begins = filled.begins();
     int32_t* const ends = filled.ends();

@@ -34,9 +34,9 @@ class bit_lines {
         stride_(words + 2 * guard_),
         memory_(count * stride_ + kWordsPerBlock),
         first_(memory_.data()) {
+    std::memset(first_, 0, memory_.size() * sizeof(uint64_t));
     while (reinterpret_cast<uintptr_t>(first_) % (8 * kWordsPerBlock) != 0)
       ++first_;
-    std::memset(first_, 0, count * stride_ * sizeof(uint64_t));
   }
 
   size_t words() const { return words_; }

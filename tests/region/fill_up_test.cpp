@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "pictures.h"
 #include "random_regions.h"
+#include "region/internal/bit_fill.h"
 #include "region/internal/parallel.h"
 #include "region/internal/vector_level.h"
+#include "region/internal/views.h"
 #include "region/operations.h"
 
 namespace {
@@ -181,6 +185,99 @@ TEST_P(FillUp, AgreesWithPixelOracle) {
                                                    : vector_level::kAvx512);
     ASSERT_EQ(filled(GetParam(), p), oracle(p));
   }
+}
+
+// Walls in every other column, each open at its top or its bottom in turn, and
+// a way in at the left: the flood goes down and up once for every wall.
+Picture winding(int walls) {
+  const int height = 12, width = 2 * walls + 3;
+  Picture p(height, std::string(width, '.'));
+  p[0].assign(width, '#');
+  p[height - 1].assign(width, '#');
+  for (int c = 0; c < width; c += 2) {
+    for (int r = 1; r < height - 1; ++r) p[r][c] = '#';
+    if (c > 0 && c + 1 < width) p[c % 4 == 0 ? 1 : height - 2][c] = '.';
+  }
+  p[1][0] = '.';
+  return p;
+}
+
+TEST_P(FillUp, WindingWayThroughManyRunsLeadsIn) {
+  for (int walls : {3, 14, 15, 16, 17, 100}) {
+    SCOPED_TRACE(walls);
+    const Picture p = winding(walls);
+    EXPECT_EQ(filled(GetParam(), p), p);
+    Picture closed = p;
+    closed[1][0] = '#';
+    EXPECT_EQ(filled(GetParam(), closed), oracle(closed));
+  }
+}
+
+TEST_P(FillUp, DenseNoiseAgreesWithPixelOracle) {
+  for (int percent : {35, 60, 80}) {
+    SCOPED_TRACE(percent);
+    vexo_test::Random random(static_cast<uint64_t>(percent));
+    Picture p(150, std::string(520 + percent, '.'));
+    vexo_test::random_detail::noise(random, percent, p);
+    p[40].assign(p[40].size(), '.');
+    ASSERT_EQ(filled(GetParam(), p), oracle(p));
+  }
+}
+
+std::optional<Runs> filled_in_bits(const region& r) {
+  const auto result = vexo::internal::bit_fill_up(vexo::internal::runs_of(r));
+  if (!result) return std::nullopt;
+  Runs runs;
+  for (size_t i = 0; i < result->size(); ++i) {
+    runs.push_back({result->rows()[i], result->begins()[i], result->ends()[i]});
+  }
+  return runs;
+}
+
+TEST(BitFill, AgreesWithPixelOracleHoweverFewTheRuns) {
+  for (uint64_t seed = 0; seed < vexo_test::cases(2000); ++seed) {
+    SCOPED_TRACE(seed);
+    const Picture p = vexo_test::random_picture(seed);
+    const Runs runs = vexo_test::runs_in(p);
+    if (runs.empty()) continue;
+    const auto result = filled_in_bits(vexo_test::picture(p));
+    ASSERT_TRUE(result.has_value());
+    ASSERT_EQ(*result, vexo_test::runs_in(oracle(p)));
+  }
+}
+
+TEST(BitFill, GivesUpWhereTheWayWinds) {
+  EXPECT_TRUE(filled_in_bits(vexo_test::picture(winding(3))));
+  EXPECT_FALSE(filled_in_bits(vexo_test::picture(winding(100))));
+}
+
+// The gap is 20000 columns wide, far more than a word, and has its way out at
+// one of its ends or none.
+TEST(BitFill, FloodsLongGapsFromEitherEnd) {
+  const Runs hollow{{0, -9, 20000}, {1, -9, -9}, {1, 20000, 20000}};
+  for (int way_out : {-8, 0, 54, 55, 56, 10000, 19999}) {
+    SCOPED_TRACE(way_out);
+    Runs open = hollow;
+    open.push_back({2, -9, way_out - 1});
+    open.push_back({2, way_out + 1, 20000});
+    EXPECT_EQ(filled_in_bits(vexo_test::region_of(open)), open);
+  }
+  Runs closed = hollow;
+  closed.push_back({2, -9, 20000});
+  EXPECT_EQ(filled_in_bits(vexo_test::region_of(closed)),
+            (Runs{{0, -9, 20000}, {1, -9, 20000}, {2, -9, 20000}}));
+}
+
+TEST(BitFill, ColumnsAndRowsMayBeTheOutermost) {
+  const int32_t far = INT32_MAX;
+  const Runs ring{{far - 2, far - 2, far},
+                  {far - 1, far - 2, far - 2},
+                  {far - 1, far, far},
+                  {far, far - 2, far}};
+  EXPECT_EQ(filled_in_bits(vexo_test::region_of(ring)),
+            (Runs{{far - 2, far - 2, far},
+                  {far - 1, far - 2, far},
+                  {far, far - 2, far}}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, FillUp,
