@@ -74,6 +74,14 @@ void CloseJpeg(Bytes* bytes) {
   }
 }
 
+// Damaged strips of a TIFF in logarithms of luminance leave their rows as
+// memory happens to be, without a word. Here that is 0.
+cv::Mat DecodedOntoZeros(const Bytes& bytes, const cv::Mat& like) {
+  cv::Mat image = cv::Mat::zeros(like.size(), like.type());
+  cv::imdecode(bytes, cv::IMREAD_UNCHANGED, &image);
+  return image;
+}
+
 cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
@@ -95,7 +103,8 @@ cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
     if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};
     CloseJpeg(&bytes);
   }
-  return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+  const cv::Mat image = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+  return image.type() == CV_32FC3 ? DecodedOntoZeros(bytes, image) : image;
 }
 
 // As the image library delivers it; empty if it is no image. Memory that ran

@@ -10,7 +10,7 @@
 namespace vexo::internal {
 namespace {
 
-// Passes down or up. Noise takes 4 to 8, shapes 3.
+// Passes down or up. Textures and noise take 6 to 10.
 constexpr int kMostPasses = 16;
 
 struct columns {
