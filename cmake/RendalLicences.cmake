@@ -74,6 +74,16 @@ function(rendal_write_if_different path content)
   endif()
 endfunction()
 
+# One text for the folder and the source; in rendal_collect_licences only, whose
+# variables it fills.
+macro(rendal_take_licence file name)
+  rendal_read_licence(${file} ${name} text missing referred)
+  if(text)
+    file(WRITE ${folder}/${name}.txt "${text}")
+  endif()
+  rendal_add_licence(${name} "${text}" definitions entries)
+endmacro()
+
 # rendal_collect_licences(folder source MISSING): fills the folder with NAME.txt
 # of what is linked and of the licences referred to, writes the source of
 # cli/licences.h, and leaves the names of missing texts in a variable.
@@ -87,22 +97,11 @@ function(rendal_collect_licences folder source MISSING)
   foreach(entry ${RENDAL_LINKED})
     string(REGEX MATCH "^[^=]+" name ${entry})
     string(REGEX REPLACE "^[^=]+=" "" package ${entry})
-    rendal_read_licence(${RENDAL_DOCUMENTS}/${package}/copyright ${name}
-                        text missing referred)
-    if(text)
-      file(WRITE ${folder}/${name}.txt "${text}")
-    endif()
-    rendal_add_licence(${name} "${text}" definitions entries)
+    rendal_take_licence(${RENDAL_DOCUMENTS}/${package}/copyright ${name})
   endforeach()
   list(SORT referred)
-  set(ignored)
   foreach(name ${referred})
-    rendal_read_licence(${RENDAL_COMMON_LICENCES}/${name} ${name}
-                        text missing ignored)
-    if(text)
-      file(WRITE ${folder}/${name}.txt "${text}")
-    endif()
-    rendal_add_licence(${name} "${text}" definitions entries)
+    rendal_take_licence(${RENDAL_COMMON_LICENCES}/${name} ${name})
   endforeach()
   file(READ ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../LICENSE text)
   rendal_add_licence(Rendal "${text}" definitions own)
