@@ -49,7 +49,7 @@ std::string TextOf(const std::exception& error) {
 // Why a file cannot be worked on; nothing if it can.
 std::string WhyNot(const fs::path& path, const Workbench& bench,
                    const LoadReport& report) {
-  if (report.is_cut_off) return "the file is cut off";
+  if (!report.trouble.empty()) return "the file " + report.trouble;
   if (bench.HasImage()) return {};
   if (report.too_large) {
     const auto [width, height] = *report.too_large;

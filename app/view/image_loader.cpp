@@ -24,6 +24,8 @@ namespace {
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 
+// The decoder of byte arrays counts in int.
+constexpr uintmax_t kMostBytes = INT_MAX;
 constexpr unsigned char kJpegEnd = 0xD9;
 constexpr unsigned char kJpegScanStart = 0xDA;
 
@@ -32,15 +34,21 @@ std::string Utf8(const fs::path& path) {
   return {text.begin(), text.end()};
 }
 
+// `what` follows "the file".
+void Report(const char* what, LoadReport* report) {
+  ConsolePrintf("the image file %s\n", what);
+  report->trouble = what;
+}
+
 // The bytes of a regular file; none if it cannot be read.
-Bytes ReadFile(const fs::path& path) {
+Bytes ReadFile(const fs::path& path, LoadReport* report) {
   auto bytes = ReadSteadyFile([&]() -> std::unique_ptr<std::istream> {
     auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
     if (!*file) return nullptr;
     return file;
   });
   if (bytes) return std::move(*bytes);
-  ConsolePrintf("the image file changes while it is read\n");
+  Report("changes while it is read", report);
   return {};
 }
 
@@ -85,11 +93,11 @@ cv::Mat DecodedOntoZeros(const Bytes& bytes, const cv::Mat& like) {
 cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
-  // The decoder of byte arrays counts in int.
-  if (fs::file_size(path, error) > INT_MAX && !error) {
-    return cv::imread(path.string(), cv::IMREAD_UNCHANGED);
+  if (fs::file_size(path, error) > kMostBytes && !error) {
+    Report("is larger than 2 GB", report);
+    return {};
   }
-  Bytes bytes = ReadFile(path);
+  Bytes bytes = ReadFile(path, report);
   if (bytes.empty()) return {};
   const auto claimed = ReadClaimedSize(bytes);
   if (claimed && claimed->Exceeds(most_pixels)) {
@@ -98,8 +106,7 @@ cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
   }
   if (!claimed && !HasCommonFormat(bytes)) return {};
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
-    ConsolePrintf("the image file is cut off\n");
-    report->is_cut_off = true;
+    Report("is cut off", report);
     if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};
     CloseJpeg(&bytes);
   }

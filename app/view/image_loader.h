@@ -18,7 +18,9 @@ struct LoadReport {
   int channels = 0;
   int bits = 0;  // of a sample
   bool is_float = false;
-  bool is_cut_off = false;  // a JPEG that ends within its picture
+  // What is wrong with the file, after "the file"; none if nothing is known. A
+  // JPEG that is cut off in its picture is an image nevertheless.
+  std::string trouble;
   // Set when the file was refused for its size.
   std::optional<ClaimedSize> too_large;
   std::string grey_values;  // how the values were scaled; none: as they are
@@ -42,11 +44,10 @@ struct LoadReport {
 //   Formats   PNG, BMP, JPEG, TIFF; portable maps (PBM to PAM, PFM), Radiance
 //             (HDR), Sun raster. Others are no images, whatever the image
 //             library of this system could decode.
-//   Too large A file of less than 2 GB whose header claims more than
+//   Too large A file whose header claims more than
 //             Workbench::m_maxImagePixels is refused before memory is taken for
-//             its pixels: red status, everything stays. Larger files have the
-//             image library's limit of 2^30 pixels and count as no image above
-//             it.
+//             its pixels: red status, everything stays. A file of 2 GB or more
+//             counts as no image.
 //   Written   A file that is being written while it is read is read again, and
 //             counts as no image if it does not come to rest.
 //   Throws    std::bad_alloc, cv::Exception when memory runs out; the

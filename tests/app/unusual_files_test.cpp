@@ -86,12 +86,19 @@ TEST_F(UnusualFiles, FilesWhoseSizeTheSystemDoesNotTellAreNoImage) {
   ExpectNoImage("/proc/self/status");
 }
 
-// Larger than the decoder's count of bytes, and nothing in it.
-TEST_F(UnusualFiles, HugeEmptyFileIsNoImage) {
-  const fs::path huge = m_folder / "huge.bmp";
-  WriteBytes(huge, {'B', 'M'});
-  fs::resize_file(huge, uintmax_t{1} << 33);
-  ExpectNoImage(huge);
+// An image, but followed by more bytes than the decoder can count. No memory is
+// taken for them.
+TEST_F(UnusualFiles, FileOfTwoGigabytesIsNoImageAndSaysSo) {
+  Bytes bytes;
+  ASSERT_TRUE(cv::imencode(".bmp", Noise(20, 10), bytes));
+  for (const uintmax_t size : {uintmax_t{1} << 31, uintmax_t{1} << 33}) {
+    const fs::path huge = m_folder / "huge.bmp";
+    WriteBytes(huge, bytes);
+    fs::resize_file(huge, size);
+    ExpectNoImage(huge);
+    EXPECT_NE(m_console.find("the image file is larger than 2 GB\n"),
+              std::string::npos);
+  }
 }
 
 // Root may read everything, so the load runs as somebody else.

@@ -257,6 +257,9 @@ TEST_F(CommandLineTest, WhatIsNoImageIsNamed) {
   EXPECT_EQ(why(""), "there is no such file\n");
   EXPECT_EQ(why(Utf8Of(m_folder)), "it is no file\n");
   EXPECT_EQ(why(Written("empty.png", "")), "it is no image\n");
+  const std::string huge = Written("huge.bmp", "BM");
+  fs::resize_file(m_folder / "huge.bmp", uintmax_t{1} << 31);
+  EXPECT_EQ(why(huge), "the file is larger than 2 GB\n");
 }
 
 TEST_F(CommandLineTest, AnImageThatIsCutOffFails) {

@@ -223,7 +223,8 @@ static HANDLE OpenStream(Streams streams) {
 }
 
 Process::Process(const std::wstring& program,
-                 const std::vector<std::wstring>& arguments, Streams streams) {
+                 const std::vector<std::wstring>& arguments, Streams streams,
+                 const std::function<void(HANDLE)>& prepare) {
   std::wstring line = QuotedCommandLine(program, arguments);
   const HANDLE stream = OpenStream(streams);
   STARTUPINFOW startup = {};
@@ -232,13 +233,16 @@ Process::Process(const std::wstring& program,
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdInput = startup.hStdOutput = startup.hStdError = stream;
   // Detached: the program opens a console of its own.
-  const BOOL started = ::CreateProcessW(
-      program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
-      nullptr, nullptr, &startup, &information_);
+  const BOOL started =
+      ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                       DETACHED_PROCESS | CREATE_SUSPENDED, nullptr, nullptr,
+                       &startup, &information_);
   if (stream != nullptr) ::CloseHandle(stream);
   if (!started) {
     throw std::runtime_error("cannot start " + Utf8(program));
   }
+  if (prepare) prepare(information_.hProcess);
+  ::ResumeThread(information_.hThread);
 }
 
 Process::~Process() {

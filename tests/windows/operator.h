@@ -51,9 +51,11 @@ enum class Streams {
 // has not ended itself.
 class Process {
  public:
+  // `prepare` gets the process before its first instruction runs.
   Process(const std::wstring& program,
           const std::vector<std::wstring>& arguments,
-          Streams streams = Streams::kNullDevice);
+          Streams streams = Streams::kNullDevice,
+          const std::function<void(HANDLE)>& prepare = {});
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;

@@ -4,8 +4,10 @@
 // other starts, no standard output, no console, other screens, a dialog open.
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,13 +19,44 @@
 namespace rendal_test {
 namespace {
 
+// A function of the system's, which is at the same place in every process.
+void* SystemFunction(const char* name) {
+  void* const function = reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"kernel32"), name));
+  if (function == nullptr) throw std::runtime_error(name);
+  return function;
+}
+
+// Runs one that takes no argument in another process.
+void Call(HANDLE process, const char* name) {
+  const HANDLE thread = ::CreateRemoteThread(
+      process, nullptr, 0,
+      reinterpret_cast<LPTHREAD_START_ROUTINE>(SystemFunction(name)), nullptr,
+      0, nullptr);
+  if (thread == nullptr) throw std::runtime_error(name);
+  ::WaitForSingleObject(thread, kPatienceMs);
+  ::CloseHandle(thread);
+}
+
+// Has one return 0 in another process from now on.
+void MakeFail(HANDLE process, const char* name) {
+  constexpr unsigned char kReturnZero[] = {0x31, 0xC0, 0xC3};
+  SIZE_T written = 0;
+  if (!::WriteProcessMemory(process, SystemFunction(name), kReturnZero,
+                            sizeof kReturnZero, &written)) {
+    throw std::runtime_error(name);
+  }
+}
+
 class Surroundings : public testing::Test {
  protected:
-  void Start(Streams streams = Streams::kNullDevice) {
+  void Start(Streams streams = Streams::kNullDevice,
+             const std::function<void(HANDLE)>& prepare = {}) {
     const auto image =
         folder_.WriteImage(L"a.png", ".png", cv::Mat(40, 60, CV_8UC1, 200));
     program_ = std::make_unique<Process>(
-        ProgramPath(), std::vector<std::wstring>{image.wstring()}, streams);
+        ProgramPath(), std::vector<std::wstring>{image.wstring()}, streams,
+        prepare);
     window_ = std::make_unique<Operator>(program_->id());
     WaitUntil("a status", [&] { return !window().Status().empty(); });
   }
@@ -39,18 +72,6 @@ class Surroundings : public testing::Test {
   void ExpectToEnd() {
     window().Close();
     EXPECT_EQ(program_->ExitCode(), 0u);
-  }
-  // Runs a function of the system's, which takes no argument, in the program.
-  void CallInProgram(const char* function) {
-    const auto start =
-        reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(
-            ::GetProcAddress(::GetModuleHandleW(L"kernel32"), function)));
-    ASSERT_NE(start, nullptr);
-    const HANDLE thread = ::CreateRemoteThread(program_->handle(), nullptr, 0,
-                                               start, nullptr, 0, nullptr);
-    ASSERT_NE(thread, nullptr);
-    ::WaitForSingleObject(thread, kPatienceMs);
-    ::CloseHandle(thread);
   }
 
   Scratch folder_;
@@ -105,7 +126,18 @@ TEST_F(Surroundings, WithoutStandardStreamsItWorks) {
 
 TEST_F(Surroundings, WithoutItsConsoleItWorks) {
   Start();
-  CallInProgram("FreeConsole");
+  Call(program_->handle(), "FreeConsole");
+  EXPECT_THROW(window().ConsoleText(), std::exception);
+  ExpectToWork();
+  ExpectToEnd();
+}
+
+TEST_F(Surroundings, WhereNoConsoleOpensItWorks) {
+  Start(Streams::kNullDevice, [](HANDLE process) {
+    // Of a process that has not begun, the first thread loads the libraries.
+    Call(process, "GetTickCount");
+    MakeFail(process, "AllocConsole");
+  });
   EXPECT_THROW(window().ConsoleText(), std::exception);
   ExpectToWork();
   ExpectToEnd();
