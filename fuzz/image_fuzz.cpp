@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -16,6 +17,19 @@
 
 #include "app/view/image_loader.h"
 #include "tools/console_text.h"
+
+// Whether malloc() can be replaced: not where a sanitizer does that.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define RENDAL_SANITIZED_MALLOC
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define RENDAL_SANITIZED_MALLOC
+#endif
+#if defined(__GLIBC__) && !defined(RENDAL_SANITIZED_MALLOC)
+#define RENDAL_OWN_MALLOC
+#endif
 
 namespace {
 
@@ -32,15 +46,32 @@ void Require(bool holds, const char* what) {
   std::abort();
 }
 
+// Far apart in every depth, floating point too.
+constexpr unsigned char kSomeDirt = 0x45;
+constexpr unsigned char kOtherDirt = 0xC5;
+
+// What new memory is filled with; 0: left as it is.
+unsigned char g_dirt = 0;
+
+// The part of the stack that the calls after this one use.
+[[gnu::noinline]] void MakeStackDirty(unsigned char dirt) {
+  unsigned char stack[1 << 16];
+  std::memset(stack, dirt, sizeof stack);
+  asm volatile("" : : "r"(stack) : "memory");
+}
+
 // Pixels that a decoder leaves alone have the value that memory happened to
-// have, which is another one in each loading.
+// have, which is another one in each loading. So has what it keeps in buffers
+// of its own: on the stack, and where malloc() can be replaced.
 class DirtyMemory : public cv::MatAllocator {
  public:
   explicit DirtyMemory(unsigned char dirt) : m_dirt(dirt) {
     cv::Mat::setDefaultAllocator(this);
+    g_dirt = dirt;
   }
   ~DirtyMemory() override {
     cv::Mat::setDefaultAllocator(cv::Mat::getStdAllocator());
+    g_dirt = 0;
   }
 
   cv::UMatData* allocate(int dims, const int* sizes, int type, void* data,
@@ -168,6 +199,7 @@ void Check(const Session& s, std::span<const uint8_t> bytes) {
 void Load(const fs::path& path, unsigned char dirt, Session* session) {
   const rendal::ConsoleCapture quiet;
   const DirtyMemory memory(dirt);
+  MakeStackDirty(dirt);
   session->status = rendal::LoadImageFile(path, session->bench, session->view,
                                           &session->report);
   // The allocator is about to go.
@@ -185,6 +217,15 @@ bool IsOfTheFourFormats(std::span<const uint8_t> b) {
 
 }  // namespace
 
+#ifdef RENDAL_OWN_MALLOC
+extern "C" void* __libc_malloc(size_t size);
+extern "C" void* malloc(size_t size) {
+  void* const block = __libc_malloc(size);
+  if (g_dirt != 0 && block != nullptr) std::memset(block, g_dirt, size);
+  return block;
+}
+#endif
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static InputFile file;
   const std::span<const uint8_t> bytes(data, size);
@@ -192,9 +233,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const fs::path& path = file.Write(bytes);
   Session first;
   Session second;
-  Load(path, 0x00, &first);
+  Load(path, kSomeDirt, &first);
   Check(first, bytes);
-  Load(path, 0xA5, &second);
+  Load(path, kOtherDirt, &second);
   Check(second, bytes);
   const cv::Mat& image = first.bench.m_srcImage;
   Require(image.size() == second.bench.m_srcImage.size(), "two sizes");

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <string_view>
 
 namespace rendal {
@@ -124,27 +125,46 @@ uint64_t TiffValue(Reader& file, uint64_t entry, bool wide) {
   }
 }
 
-// Of the classic form and of the one with 64-bit offsets. A tag that is there
-// twice counts as the decoder takes it: the first time.
-Size TiffSize(Bytes bytes, bool big_endian, bool wide) {
-  constexpr uint64_t kWidthTag = 256, kHeightTag = 257;
+// The first directory of a TIFF, of the classic form or of the one with 64-bit
+// offsets. A tag that is there twice counts as the decoder takes it: the first
+// time.
+struct TiffDirectory {
+  Size size;
+  uint64_t colours;  // the photometric interpretation
+  uint64_t samples;  // of a pixel
+};
+
+TiffDirectory ReadTiff(Bytes bytes, bool big_endian, bool wide) {
+  constexpr uint64_t kWidthTag = 256, kHeightTag = 257, kColoursTag = 262,
+                     kSamplesTag = 277;
   constexpr uint64_t kMostEntries = 65535;
   Reader file(bytes, big_endian);
   const uint64_t directory = wide ? file.Number(8, 8) : file.Read32(4);
   const uint64_t count =
       wide ? file.Number(directory, 8) : file.Read16(directory);
   const uint64_t entry_size = wide ? 20 : 12;
-  std::optional<uint64_t> width;
-  std::optional<uint64_t> height;
+  std::map<uint64_t, uint64_t> values;  // of tags
   uint64_t at = directory + (wide ? 8 : 2);
   for (uint64_t i = 0; i < std::min(count, kMostEntries); ++i) {
     const uint64_t tag = file.Read16(at);
     if (file.IsBeyondEnd()) break;
-    if (tag == kWidthTag && !width) width = TiffValue(file, at, wide);
-    if (tag == kHeightTag && !height) height = TiffValue(file, at, wide);
+    if (tag == kWidthTag || tag == kHeightTag || tag == kColoursTag ||
+        tag == kSamplesTag) {
+      values.emplace(tag, TiffValue(file, at, wide));
+    }
     at += entry_size;
   }
-  return file.Result(width.value_or(0), height.value_or(0));
+  return {file.Result(values[kWidthTag], values[kHeightTag]),
+          values[kColoursTag], values[kSamplesTag]};
+}
+
+std::optional<TiffDirectory> ReadTiff(Bytes bytes) {
+  using namespace std::string_view_literals;
+  if (StartsWith(bytes, "II*\0"sv)) return ReadTiff(bytes, false, false);
+  if (StartsWith(bytes, "MM\0*"sv)) return ReadTiff(bytes, true, false);
+  if (StartsWith(bytes, "II+\0"sv)) return ReadTiff(bytes, false, true);
+  if (StartsWith(bytes, "MM\0+"sv)) return ReadTiff(bytes, true, true);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -154,11 +174,17 @@ Size ReadClaimedSize(Bytes bytes) {
   if (StartsWith(bytes, "\x89PNG\r\n\x1A\n"sv)) return PngSize(bytes);
   if (StartsWith(bytes, "BM"sv)) return BmpSize(bytes);
   if (StartsWith(bytes, "\xFF\xD8"sv)) return JpegSize(bytes);
-  if (StartsWith(bytes, "II*\0"sv)) return TiffSize(bytes, false, false);
-  if (StartsWith(bytes, "MM\0*"sv)) return TiffSize(bytes, true, false);
-  if (StartsWith(bytes, "II+\0"sv)) return TiffSize(bytes, false, true);
-  if (StartsWith(bytes, "MM\0+"sv)) return TiffSize(bytes, true, true);
+  if (const auto tiff = ReadTiff(bytes)) return tiff->size;
   return ReadRareClaimedSize(bytes);
+}
+
+bool IsTiffOfTooFewSamples(Bytes bytes) {
+  constexpr uint64_t kLogLuminance = 32844, kLogLuminanceAndColour = 32845;
+  const auto tiff = ReadTiff(bytes);
+  return tiff &&
+         (tiff->colours == kLogLuminance ||
+          tiff->colours == kLogLuminanceAndColour) &&
+         tiff->samples < 3;
 }
 
 bool HasCommonFormat(Bytes bytes) {

@@ -29,6 +29,11 @@ std::optional<ClaimedSize> ReadClaimedSize(
 // Whether it begins as a PNG, BMP, JPEG or TIFF.
 bool HasCommonFormat(std::span<const unsigned char> bytes);
 
+// Whether the first page of a TIFF holds logarithms of luminance, which are
+// decoded as three samples of a pixel, but claims fewer: the decoder takes the
+// others from what memory happens to hold.
+bool IsTiffOfTooFewSamples(std::span<const unsigned char> bytes);
+
 // The part of ReadClaimedSize() for the formats that are seldom seen. A header
 // that their decoders might understand in another way counts as none.
 std::optional<ClaimedSize> ReadRareClaimedSize(

@@ -82,14 +82,6 @@ void CloseJpeg(Bytes* bytes) {
   }
 }
 
-// Damaged strips of a TIFF in logarithms of luminance leave their rows as
-// memory happens to be, without a word. Here that is 0.
-cv::Mat DecodedOntoZeros(const Bytes& bytes, const cv::Mat& like) {
-  cv::Mat image = cv::Mat::zeros(like.size(), like.type());
-  cv::imdecode(bytes, cv::IMREAD_UNCHANGED, &image);
-  return image;
-}
-
 cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return {};
@@ -105,13 +97,13 @@ cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
     return {};
   }
   if (!claimed && !HasCommonFormat(bytes)) return {};
+  if (IsTiffOfTooFewSamples(bytes)) return {};
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
     Report("is cut off", report);
     if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};
     CloseJpeg(&bytes);
   }
-  const cv::Mat image = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
-  return image.type() == CV_32FC3 ? DecodedOntoZeros(bytes, image) : image;
+  return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
 }
 
 // As the image library delivers it; empty if it is no image. Memory that ran

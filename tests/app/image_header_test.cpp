@@ -197,6 +197,29 @@ TEST(ClaimedSize, OfATiffMayBeBytes) {
             (ClaimedSize{2, 3}));
 }
 
+TEST(TiffOfTooFewSamples, IsOneOfLogarithmsWithFewerThanThree) {
+  constexpr int kShort = 3, kLong = 4;
+  for (const int colours : {32843, 32844, 32845, 32846, 2}) {
+    const bool logarithms = colours == 32844 || colours == 32845;
+    for (const int type : {kShort, kLong}) {
+      EXPECT_EQ(IsTiffOfTooFewSamples(ClassicTiff(0, {{262, type, colours}})),
+                logarithms)
+          << colours;
+      for (const int samples : {0, 1, 2, 3, 4}) {
+        EXPECT_EQ(IsTiffOfTooFewSamples(ClassicTiff(0, {{262, type, colours},
+                                                        {262, type, 2},
+                                                        {277, type, samples},
+                                                        {277, type, 3}})),
+                  logarithms && samples < 3)
+            << colours << " " << samples;
+      }
+    }
+  }
+  EXPECT_FALSE(IsTiffOfTooFewSamples(ClassicTiff(0, {{256, kLong, 32844}})));
+  EXPECT_FALSE(IsTiffOfTooFewSamples(FromText("II*")));
+  EXPECT_FALSE(IsTiffOfTooFewSamples(FromText("BM")));
+}
+
 TEST(ClaimedSize, ExceedsWithoutOverflow) {
   constexpr uint64_t kHuge = ~uint64_t{0};
   EXPECT_TRUE((ClaimedSize{kHuge, kHuge}.Exceeds(kHuge)));

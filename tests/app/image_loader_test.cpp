@@ -185,6 +185,26 @@ TEST_F(ImageLoader, FloatColourIsStretchedAfterTheConversionToGrey) {
   EXPECT_EQ(Grey(1, 0), 255);
 }
 
+// The decoder would take two samples of three from what memory holds.
+TEST_F(ImageLoader, TiffOfLogarithmsWithFewerThanThreeSamplesIsNoImage) {
+  constexpr int kLogarithms = 34676;
+  const cv::Mat image(5, 4, CV_32FC3, cv::Scalar(0.1, 0.2, 0.3));
+  Bytes bytes;
+  ASSERT_TRUE(cv::imencode(".tif", image, bytes,
+                           {cv::IMWRITE_TIFF_COMPRESSION, kLogarithms}));
+  ExpectOpened(LoadBytes(bytes, "image.tif"), 4, 5);
+  const Bytes three_samples = {0x15, 0x01, 3, 0, 1, 0, 0, 0, 3, 0};
+  const auto entry = std::search(bytes.begin(), bytes.end(),
+                                 three_samples.begin(), three_samples.end());
+  ASSERT_NE(entry, bytes.end());
+  for (const int samples : {0, 1, 2}) {
+    entry[8] = static_cast<unsigned char>(samples);
+    ExpectNoImage(LoadBytes(bytes, "image.tif"));
+  }
+  entry[0] = 0x16;
+  ExpectNoImage(LoadBytes(bytes, "image.tif"));
+}
+
 TEST_F(ImageLoader, WhatIsNoNumberIsBlackAndInfinitiesAreTheEnds) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
