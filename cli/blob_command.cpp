@@ -138,7 +138,7 @@ void AddBlobCommand(CLI::App& app, BlobOptions& options) {
       ->required()
       ->expected(2)
       ->type_name("MIN MAX")
-      ->check(CLI::Range(0, 255));
+      ->transform(WholeNumber(0, 255));
   const std::string fill_help = "Fill holes";
   command->add_flag(kFill, fill_help)
       ->disable_flag_override()

@@ -29,6 +29,11 @@ struct CommonOptions {
 CLI::Option* AddNumber(CLI::App& command, const std::string& option,
                        double& value, double min, double max,
                        const std::string& help);
+// Whole numbers of decimal digits, also with zeros before them. For
+// transform(), since the parser would read those as octal.
+CLI::Validator WholeNumber(int min, int max);
+// Refuses what an empty variable of a script leaves.
+CLI::Validator NotEmpty();
 void AddResultFile(CLI::App& command, const std::string& option,
                    std::string& path, const std::string& help,
                    const std::string& kind = "FILE");

@@ -74,6 +74,9 @@ std::string WhyNot(const fs::path& path, const Workbench& bench,
 cv::Mat Overlay(Workbench& bench, double zoom) {
   ViewState view;
   view.zoom = static_cast<float>(zoom);
+  // The middle of an enlarged pixel is its place, so the first one begins half
+  // a pixel before that.
+  view.offsetX = view.offsetY = std::max(view.zoom - 1, 0.0f) / 2;
   const double width = std::round(bench.m_srcImage.cols * zoom);
   const double height = std::round(bench.m_srcImage.rows * zoom);
   if (std::max(width, 1.0) * std::max(height, 1.0) > kMostPicturePixels) {
@@ -142,7 +145,9 @@ class ImageRun {
   }
 
   void WritePictures() {
-    if (!m_wishes.labels.empty() && m_result.is_labelled) {
+    if (!m_wishes.labels.empty() && !m_result.is_labelled) {
+      m_result.notes.push_back("no \"connection\", so no picture of labels");
+    } else if (!m_wishes.labels.empty()) {
       WritePicture(m_wishes.labels, [this] {
         return LabelPicture(m_bench.m_components, m_result.width,
                             m_result.height);
@@ -159,8 +164,10 @@ class ImageRun {
     try {
       WritePng(path, draw());
     } catch (const std::exception& error) {
-      if (IsOutOfMemory(error)) throw;
-      m_result.failures.push_back(error.what());
+      m_result.failures.push_back(IsOutOfMemory(error)
+                                      ? "cannot write " + Utf8Of(path) +
+                                            ": out of memory"
+                                      : error.what());
     }
   }
 

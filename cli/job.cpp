@@ -39,6 +39,8 @@ class InterruptGuard {
   InterruptGuard() {
     g_interrupted = 0;
     m_before = std::signal(SIGINT, OnInterrupt);
+    // As shells start what runs in the background.
+    if (m_before == SIG_IGN) std::signal(SIGINT, SIG_IGN);
   }
   ~InterruptGuard() { std::signal(SIGINT, m_before); }
   InterruptGuard(const InterruptGuard&) = delete;

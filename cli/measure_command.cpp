@@ -12,17 +12,21 @@ void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
   CLI::Option_group* const shape = command->add_option_group("Shape");
   shape->require_option(1);
   shape->add_option("--line", options.line, "Calipers along a line")
+      ->check(NotEmpty())
       ->type_name("X1,Y1,X2,Y2");
   shape->add_option("--circle", options.circle, "Calipers around a circle")
+      ->check(NotEmpty())
       ->type_name("CX,CY,R");
   shape
       ->add_option("--ellipse", options.ellipse,
                    "Calipers around an ellipse; the angle in degrees, "
                    "counter-clockwise")
+      ->check(NotEmpty())
       ->type_name("CX,CY,ANGLE,A,B");
   shape
       ->add_option("--band", options.band,
                    "One wide caliper along a line: all its edges")
+      ->check(NotEmpty())
       ->type_name("X1,Y1,X2,Y2");
   CaliperParameters& p = options.parameters;
   const auto number = [command](const char* name, double& value,
@@ -38,7 +42,7 @@ void AddMeasureCommand(CLI::App& app, MeasureOptions& options) {
   command
       ->add_option("--count", p.count,
                    "Of calipers; 0: as many as fit side by side")
-      ->check(CLI::Range(0, kMostCalipers))
+      ->transform(WholeNumber(0, kMostCalipers))
       ->capture_default_str()
       ->group("Calipers");
   command
@@ -103,7 +107,7 @@ void AddFindLinesCommand(CLI::App& app, FindLinesOptions& options) {
       ->add_option("--display", options.display,
                    "What the overlay shows: 1 the segment, 2 the calipers, 3 "
                    "every edge")
-      ->check(CLI::Range(1, 3))
+      ->transform(WholeNumber(1, 3))
       ->capture_default_str();
   AddMeasurementOutputs(*command, options.common);
   AddSingleImageOptions(*command, options.common);

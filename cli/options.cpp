@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What options of several commands have in common.
+#include <cmath>
 #include <optional>
 
 #include "cli/commands.h"
@@ -57,17 +58,42 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& option,
       ->default_str(NumberText(value));
 }
 
+CLI::Validator WholeNumber(int min, int max) {
+  const std::string range = std::to_string(min) + " to " + std::to_string(max);
+  const auto rewrite = [=](std::string& text) -> std::string {
+    const std::optional<double> number = NumberFrom(text);
+    if (!number || *number != std::floor(*number) || *number < min ||
+        *number > max) {
+      return "Value " + text + " not in range " + range;
+    }
+    text = std::to_string(static_cast<int>(*number));
+    return {};
+  };
+  return {rewrite,
+          "INT in [" + std::to_string(min) + " - " + std::to_string(max) + "]"};
+}
+
+CLI::Validator NotEmpty() {
+  const auto check = [](std::string& text) -> std::string {
+    return text.empty() ? "it is empty" : "";
+  };
+  return {check, ""};
+}
+
 void AddResultFile(CLI::App& command, const std::string& option,
                    std::string& path, const std::string& help,
                    const std::string& kind) {
-  command.add_option(option, path, help)->type_name(kind)->group("Results");
+  command.add_option(option, path, help)
+      ->check(NotEmpty())
+      ->type_name(kind)
+      ->group("Results");
 }
 
 void AddRunOptions(CLI::App& command, CommonOptions& options) {
   command
       .add_option("--threads", options.threads,
                   "At most so many; all of the hardware by default")
-      ->check(CLI::Range(1, 1024))
+      ->transform(WholeNumber(1, 1024))
       ->type_name("N");
   command.add_flag("--quiet", options.is_quiet, "Tell of errors only");
 }

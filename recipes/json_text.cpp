@@ -12,13 +12,20 @@ namespace {
 
 using nlohmann::json;
 
-// Follows the parser and refuses a key that its object has already.
+// A recipe's lists of numbers are the fourth level.
+constexpr size_t kDeepest = 16;
+
+// Follows the parser; refuses a key that its object has already, and levels
+// that only take memory.
 class KeyCheck {
  public:
   void Follow(json::parse_event_t event, const json& parsed) {
     switch (event) {
       case json::parse_event_t::object_start:
       case json::parse_event_t::array_start:
+        if (m_levels.size() == kDeepest) {
+          throw RecipeError("", "no recipe: it is nested too deep");
+        }
         m_levels.push_back({event == json::parse_event_t::array_start});
         break;
       case json::parse_event_t::key:

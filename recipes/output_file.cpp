@@ -10,8 +10,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path LinksFollowed(const fs::path& path) {
+// Those to files that are not there yet, too.
+fs::path LinksFollowed(fs::path path) {
+  constexpr int kMostLinks = 40;
   std::error_code error;
+  for (int i = 0; i < kMostLinks && fs::is_symlink(path, error); ++i) {
+    const fs::path target = path.parent_path() / fs::read_symlink(path, error);
+    if (error) break;
+    path = target;
+  }
   const fs::path target = fs::weakly_canonical(path, error);
   return error ? path : target;
 }

@@ -183,9 +183,12 @@ bool IsReserved(const std::string& name) {
   base.erase(base.find_last_not_of(' ') + 1);
   static const std::set<std::string> devices = {"CON", "PRN",    "AUX",
                                                 "NUL", "CONIN$", "CONOUT$"};
+  static const std::set<std::string> numbers = {
+      "0", "1", "2", "3",      "4",      "5",     "6",
+      "7", "8", "9", "\u00B9", "\u00B2", "\u00B3"};
   return devices.count(base) != 0 ||
-         (base.size() == 4 &&
-          (base.starts_with("COM") || base.starts_with("LPT")));
+         ((base.starts_with("COM") || base.starts_with("LPT")) &&
+          numbers.count(base.substr(3)) != 0);
 }
 
 bool IsPlainName(const std::string& name) {

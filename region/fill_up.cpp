@@ -102,12 +102,13 @@ class gap_labeller {
                      size_t gaps) {
     low_.ensure(gaps);
     high_.ensure(gaps);
-    pairs_.ensure(2 * gaps + above.count() + 1);
     const intervals walls{runs_.ends + above.first, runs_.begins + above.first,
                           above.count()};
     const intervals inner{runs_.ends + row.first, runs_.begins + row.first + 1,
                           gaps};
     count_overlaps_(walls, inner, -2, low_.data(), high_.data());
+    pairs_.ensure(gaps + 1 +
+                  internal::count_contacts(low_.data(), high_.data(), gaps));
   }
 
   // Gaps above that reach to the left of the row's first run.

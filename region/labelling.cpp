@@ -118,7 +118,10 @@ class band_labeller {
       return;
     }
     find_overlaps(above, row);
-    pairs_.clear(row.count() + above.count());
+    pairs_.clear(
+        row.count() +
+        std::max(above.count(), internal::count_contacts(
+                                    low_.data(), high_.data(), row.count())));
     next_ = take_labels_({low_.data(), high_.data(), row.count()},
                          labels_ + above.first, next_, labels_ + row.first,
                          parent_, &pairs_);
@@ -150,7 +153,10 @@ buffer<run_range> split(const run_view& runs) {
   buffer<run_range> bands(pieces);
   for (size_t b = 0; b < pieces; ++b) {
     bands[b].first = row_begin(runs, piece_begin(runs.count, pieces, b));
-    if (b > 0) bands[b - 1].last = bands[b].first;
+    if (b == 0) continue;
+    // Rows out of order must not make bands overlap.
+    bands[b].first = std::max(bands[b].first, bands[b - 1].first);
+    bands[b - 1].last = bands[b].first;
   }
   bands[pieces - 1].last = runs.count;
   return bands;

@@ -36,9 +36,9 @@ run_buffer closed(const run_view& source, const element_runs& element) {
 }
 
 // The closing inside the image. A result that has children counts as inside.
-run_buffer closed_in_image(const region& source, const region& element,
-                           const region& output) {
-  run_buffer runs = closed(runs_of(source), at_reference(runs_of(element)));
+run_buffer closed_in_image(const region& source, const run_view& source_runs,
+                           const region& element, const region& output) {
+  run_buffer runs = closed(source_runs, at_reference(runs_of(element)));
   if (source.width > 0 && source.height > 0 && output.child_count == 0)
     runs = clip_runs(view_of(runs), source.width, source.height);
   return runs;
@@ -77,7 +77,7 @@ void opening1(region& source, region& element, region* output) {
 void closing(const region& source, const region& element, region* output) {
   if (nothing_to_do(source, element)) return;
   with_region_errors([&] {
-    closed_in_image(source, element, *output).move_to(output);
+    closed_in_image(source, runs_of(source), element, *output).move_to(output);
     copy_image_size(source, output);
   });
 }
@@ -90,9 +90,10 @@ void top_hat(const region& source, const region& element, region* output) {
       subtract_runs(runs_of(source), runs_of(*output)).move_to(output);
       return;
     }
+    const canonical_runs canonical(runs_of(source));
     const run_buffer inside =
-        opened(runs_of(source), at_reference(runs_of(element)));
-    subtract_runs(runs_of(source), view_of(inside)).move_to(output);
+        opened(canonical.view(), at_reference(runs_of(element)));
+    subtract_runs(canonical.view(), view_of(inside)).move_to(output);
     copy_image_size(source, output);
   });
 }
@@ -105,8 +106,10 @@ void bottom_hat(const region& source, const region& element, region* output) {
       subtract_runs(runs_of(*output), runs_of(source)).move_to(output);
       return;
     }
-    const run_buffer outside = closed_in_image(source, element, *output);
-    subtract_runs(view_of(outside), runs_of(source)).move_to(output);
+    const canonical_runs canonical(runs_of(source));
+    const run_buffer outside =
+        closed_in_image(source, canonical.view(), element, *output);
+    subtract_runs(view_of(outside), canonical.view()).move_to(output);
     copy_image_size(source, output);
   });
 }

@@ -28,7 +28,7 @@ void limit_threads(int threads);
 //            children dropped. threshold() fills the chord array and leaves the
 //            run arrays alone; threshold_y() and threshold_y3() fill the run
 //            arrays and leave the chord array alone.
-//   Cost     O(pixels / 64 + runs) with wide vectors; no memory but the result.
+//   Cost     O(pixels / 64 + runs) with wide vectors; scratch of a few rows.
 //
 // threshold_y() and threshold_y3() give the same runs. threshold_y() reads the
 // image twice and writes every run to its place; threshold_y3() reads it once,
@@ -47,7 +47,9 @@ void threshold_y3(unsigned char* image, int width, int height, int min, int max,
 //
 //   neighbourhood  How many columns apart runs of neighbouring rows may lie: 0
 //                  joins those that share a column (4-neighbourhood), 1 also
-//                  those that touch at a corner (8-neighbourhood).
+//                  those that touch at a corner (8-neighbourhood). Beyond 1 a
+//                  run joins those below it as far as the first that ends
+//                  where it ends or behind that.
 //   Requires       Runs of the input in row-major order.
 //   Returns        The number of components, which is the result's child count;
 //                  -1 if the input has children. Without runs, connection() and
@@ -78,8 +80,8 @@ int connection2(region& input, region* result, int neighbourhood);
 //   Result     Ordered runs, the longest possible; image size of the input. May
 //              be the input.
 //   Unchanged  If the input has no runs or has children.
-//   Cost       O(runs); 8 bytes of scratch a run, 20 for fill_up(). No
-//              background is built.
+//   Cost       O(runs); 8 bytes of scratch a run, 20 for fill_up(). Where runs
+//              lie densely, the background in bits: O(rows * columns / 64).
 //
 // fill_up_y2() is fill_up_y() under its second name.
 void fill_up(region& input, region* result);

@@ -232,6 +232,7 @@ rectangle from_many_corners(const hull<T>& h) {
 
 template <class T>
 rectangle smallest_rectangle(const hull<T>& h) {
+  if (h.size < 2) return {0, 0, 1, 0};
   if (h.size == 2) {
     const double ux = h.corners[1].x - h.corners[0].x;
     const double uy = h.corners[1].y - h.corners[0].y;

@@ -41,6 +41,7 @@ std::vector<int32_t> half_widths(int64_t r) {
 // Both storage forms at once, so that an element serves every operation.
 void store(run_buffer runs, region* element) {
   internal::chord_buffer chords = internal::to_chords(view_of(runs));
+  internal::drop_children(element);
   runs.move_to(element);
   chords.move_to(element);
   element->width = -1;

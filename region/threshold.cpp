@@ -78,11 +78,12 @@ void extract_blocks(const scan_input& band, run_buffer* runs) {
   const row_scan& scan = internal::current_row_scan();
   const buffer<char> scratch(scan.scratch_bytes(band.width));
   const size_t fitting = kBlockPixels / std::max<size_t>(band.width, 1);
-  const auto rows = static_cast<int32_t>(std::clamp<size_t>(fitting, 1, 1024));
+  const auto rows = static_cast<int64_t>(std::clamp<size_t>(fitting, 1, 1024));
   scan_input block = band;
-  for (int32_t row = band.first_row; row < band.last_row; row += rows) {
-    block.first_row = row;
-    block.last_row = std::min(row + rows, band.last_row);
+  for (int64_t row = band.first_row; row < band.last_row; row += rows) {
+    block.first_row = static_cast<int32_t>(row);
+    block.last_row =
+        static_cast<int32_t>(std::min<int64_t>(row + rows, band.last_row));
     const size_t first = runs->size();
     runs->set_size(first + scan.count(block));
     runs->ensure(runs->size());

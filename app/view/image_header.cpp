@@ -173,7 +173,7 @@ Size ReadClaimedSize(Bytes bytes) {
   using namespace std::string_view_literals;
   if (StartsWith(bytes, "\x89PNG\r\n\x1A\n"sv)) return PngSize(bytes);
   if (StartsWith(bytes, "BM"sv)) return BmpSize(bytes);
-  if (StartsWith(bytes, "\xFF\xD8"sv)) return JpegSize(bytes);
+  if (StartsWith(bytes, "\xFF\xD8\xFF"sv)) return JpegSize(bytes);
   if (const auto tiff = ReadTiff(bytes)) return tiff->size;
   return ReadRareClaimedSize(bytes);
 }
@@ -187,11 +187,17 @@ bool IsTiffOfTooFewSamples(Bytes bytes) {
          tiff->samples < 3;
 }
 
+bool IsDicom(Bytes bytes) {
+  constexpr size_t kPreamble = 128;
+  return bytes.size() > kPreamble &&
+         StartsWith(bytes.subspan(kPreamble), "DICM");
+}
+
 bool HasCommonFormat(Bytes bytes) {
   using namespace std::string_view_literals;
   constexpr std::string_view kBegins[] = {"\x89PNG\r\n\x1A\n"sv,
                                           "BM"sv,
-                                          "\xFF\xD8"sv,
+                                          "\xFF\xD8\xFF"sv,
                                           "II*\0"sv,
                                           "MM\0*"sv,
                                           "II+\0"sv,

@@ -26,6 +26,11 @@ struct ClaimedSize {
 std::optional<ClaimedSize> ReadClaimedSize(
     std::span<const unsigned char> bytes);
 
+// Whether it has the mark of DICOM, behind whatever it begins with. Where the
+// image library knows that format, its decoder may get such a file, and ends the
+// program for some.
+bool IsDicom(std::span<const unsigned char> bytes);
+
 // Whether it begins as a PNG, BMP, JPEG or TIFF.
 bool HasCommonFormat(std::span<const unsigned char> bytes);
 

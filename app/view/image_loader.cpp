@@ -61,7 +61,8 @@ size_t AfterLastMarker(const Bytes& bytes, unsigned char code) {
 }
 
 bool IsJpeg(const Bytes& bytes) {
-  return bytes.size() > 2 && bytes[0] == 0xFF && bytes[1] == 0xD8;
+  return bytes.size() > 2 && bytes[0] == 0xFF && bytes[1] == 0xD8 &&
+         bytes[2] == 0xFF;
 }
 
 // A scan's data holds no other markers, so the image's own end can only follow
@@ -97,7 +98,7 @@ cv::Mat Decode(const fs::path& path, uint64_t most_pixels, LoadReport* report) {
     return {};
   }
   if (!claimed && !HasCommonFormat(bytes)) return {};
-  if (IsTiffOfTooFewSamples(bytes)) return {};
+  if (IsDicom(bytes) || IsTiffOfTooFewSamples(bytes)) return {};
   if (IsJpeg(bytes) && JpegIsCutOff(bytes)) {
     Report("is cut off", report);
     if (AfterLastMarker(bytes, kJpegScanStart) == 0) return {};

@@ -53,11 +53,12 @@ VEXO_INLINE bool are_canonical_body(const int32_t* rows, const int32_t* begins,
                                     const int32_t* ends, size_t count) {
   uint32_t wrong = count > 0 && begins[0] > ends[0];
   for (size_t i = 1; i < count; ++i) {
-    // Modulo 2^32: nothing can follow a run that ends at the last column.
+    // Modulo 2^32: behind the last column there is none.
     const auto behind =
         static_cast<int32_t>(static_cast<uint32_t>(ends[i - 1]) + 1);
     const uint32_t same_row = rows[i] == rows[i - 1];
-    const uint32_t touching = begins[i] <= behind;
+    const uint32_t overlapping = begins[i] <= ends[i - 1];
+    const uint32_t touching = overlapping | (begins[i] == behind);
     const uint32_t descending = rows[i] < rows[i - 1];
     const uint32_t inverted = begins[i] > ends[i];
     wrong |= (same_row & touching) | descending | inverted;

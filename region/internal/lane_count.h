@@ -8,8 +8,8 @@
 namespace vexo::internal {
 
 // How many lanes a mask of up to 16 holds. GCC 12, short of registers, stores a
-// mask as 16 bits and counts those of 32: it has to hold the number in a general
-// register.
+// mask as 16 bits and counts those of 32: it has to hold the number in a
+// general register.
 __attribute__((always_inline)) inline size_t lane_count(uint32_t mask) {
   asm("" : "+r"(mask));
   return static_cast<size_t>(__builtin_popcount(mask));

@@ -103,7 +103,7 @@ inline size_t piece_begin(size_t count, size_t pieces, size_t i) {
 // exception reaches the caller when all pieces of the loop have ended.
 template <class Body>
 void parallel_for(size_t count, Body&& body) {
-  const size_t pieces = std::min<size_t>(count, 8 * thread_count());
+  const size_t pieces = std::min(count, size_t{8} * thread_count());
   auto piece = [&](size_t p) {
     const size_t last = piece_begin(count, pieces, p + 1);
     for (size_t i = piece_begin(count, pieces, p); i < last; ++i) body(i);

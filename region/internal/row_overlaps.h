@@ -7,6 +7,7 @@
 #ifndef VEXO_REGION_INTERNAL_ROW_OVERLAPS_H_
 #define VEXO_REGION_INTERNAL_ROW_OVERLAPS_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -30,6 +31,17 @@ using count_overlaps_function = void (*)(const intervals& above,
                                          uint32_t* low, uint32_t* high);
 
 count_overlaps_function current_count_overlaps();
+
+// How many touch, over all intervals of the row: at most as many as both rows
+// have when each is in order and disjoint, any number otherwise.
+inline size_t count_contacts(const uint32_t* low, const uint32_t* high,
+                             size_t count) {
+  size_t sum = 0;
+  for (size_t i = 0; i < count; ++i) {
+    sum += std::max(high[i], low[i]) - low[i];
+  }
+  return sum;
+}
 
 void count_overlaps_plain(const intervals& above, const intervals& row,
                           int32_t reach, uint32_t* low, uint32_t* high);

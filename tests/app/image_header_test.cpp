@@ -197,6 +197,30 @@ TEST(ClaimedSize, OfATiffMayBeBytes) {
             (ClaimedSize{2, 3}));
 }
 
+TEST(Dicom, IsToldByItsMarkBehindAnything) {
+  for (const char* begin : {"", "BM", "\xFF\xD8", "P5\n"}) {
+    Bytes bytes = FromText(begin);
+    bytes.resize(128);
+    EXPECT_FALSE(IsDicom(bytes));
+    for (const char c : {'D', 'I', 'C', 'M'}) {
+      EXPECT_FALSE(IsDicom(bytes));
+      bytes.push_back(static_cast<unsigned char>(c));
+    }
+    EXPECT_TRUE(IsDicom(bytes));
+    bytes.push_back(0);
+    EXPECT_TRUE(IsDicom(bytes));
+    bytes.insert(bytes.begin(), 0);
+    EXPECT_FALSE(IsDicom(bytes));
+  }
+}
+
+TEST(HasCommonFormat, IsToldAsTheDecodersTellIt) {
+  EXPECT_TRUE(HasCommonFormat(FromText("\xFF\xD8\xFF")));
+  EXPECT_FALSE(HasCommonFormat(FromText("\xFF\xD8\xC0")));
+  EXPECT_TRUE(HasCommonFormat(FromText("BM")));
+  EXPECT_FALSE(HasCommonFormat(FromText("B")));
+}
+
 TEST(TiffOfTooFewSamples, IsOneOfLogarithmsWithFewerThanThree) {
   constexpr int kShort = 3, kLong = 4;
   for (const int colours : {32843, 32844, 32845, 32846, 2}) {

@@ -323,6 +323,42 @@ TEST_F(CommandLineTest, AnOverlayIsTheWholePictureAtItsZoom) {
   EXPECT_EQ(picture.at<cv::Vec3b>(35, 75), cv::Vec3b(255, 0, 255));
 }
 
+// Each pixel of the image covers as much of the overlay as every other.
+TEST_F(CommandLineTest, AnEnlargedOverlayHasNoMargin) {
+  cv::Mat image(4, 6, CV_8U, cv::Scalar(255));
+  image.col(0).setTo(100);
+  image.row(3).setTo(100);
+  for (const double zoom : {1.5, 2.0, 3.0, 4.0, 7.0, 128.0}) {
+    ASSERT_EQ(Run({"blob", Picture("a.png", image), "--gray", "0", "0",
+                   "--overlay", In("o.png"), "--zoom", std::to_string(zoom)}),
+              kAllFine)
+        << m_error;
+    const cv::Mat o = cv::imread(In("o.png"), cv::IMREAD_GRAYSCALE);
+    ASSERT_EQ(o.size(), cv::Size(cvRound(6 * zoom), cvRound(4 * zoom)));
+    EXPECT_GE(cv::countNonZero(o == 255) + cv::countNonZero(o == 100),
+              static_cast<int>(o.total()))
+        << zoom;
+    const int edge = static_cast<int>(zoom);
+    EXPECT_NEAR(cv::countNonZero(o.row(0) == 100), zoom, 0.5) << zoom;
+    EXPECT_NEAR(cv::countNonZero(o.col(o.cols - 1) == 100), zoom, 0.5) << zoom;
+    EXPECT_EQ(o.at<unsigned char>(0, edge), 255) << zoom;
+  }
+}
+
+TEST_F(CommandLineTest, WholeNumbersAreDecimal) {
+  ASSERT_EQ(Run({"blob", Sample("parts.png"), "--gray", "010", "090",
+                 "--threads", "08", "--save-recipe", In("r.json")}),
+            kAllFine)
+      << m_error;
+  EXPECT_NE(Content("r.json").find("\"min\":10,\"max\":90"), std::string::npos)
+      << Content("r.json");
+  for (const char* wrong : {"0x10", "1e999", "10.5", "", "256", "-1", "ten"}) {
+    EXPECT_EQ(Run({"blob", Sample("parts.png"), "--gray", wrong, "255"}),
+              kUsageError)
+        << wrong;
+  }
+}
+
 TEST_F(CommandLineTest, HelpAndVersionAreFine) {
   EXPECT_EQ(Run({"--version"}), kAllFine);
   EXPECT_EQ(m_out, "rendal-cli 1.0.0\n");

@@ -68,6 +68,8 @@ TEST_F(CommandLineTest, WrongUseIsRefusedBeforeAnythingIsDone) {
       {"blob", image},
       {"blob", image, "--gray", "0"},
       {"blob", image, "--gray", "0", "256"},
+      {"blob", image, "--gray", "0", "255", "--csv", ""},
+      {"measure", image, "--line", ""},
       {"blob", image, "--gray", "9", "8"},
       {"blob", image, "--gray", "0", "9", "--opening", "circle"},
       {"blob", image, "--gray", "0", "9", "--opening", "circle:0"},
@@ -225,6 +227,17 @@ TEST_F(CommandLineTest, APictureThatFailsLeavesNumbersAndTheOtherImages) {
   EXPECT_EQ(Table(Content("a.csv")).size(), 1 + 10 + 10u);
   EXPECT_TRUE(fs::exists(m_folder / ("parts-" + std::string(180, 'o'))));
   EXPECT_EQ(Files(), 4u);
+}
+
+TEST_F(CommandLineTest, PicturesOfLabelsNeedComponents) {
+  Written("recipe", R"({"version": 1, "steps": [
+      {"do": "threshold", "min": 0, "max": 130}],
+      "outputs": {"labels": "{name}.png"}})");
+  EXPECT_EQ(Run({"run", In("recipe"), Sample("parts.png"), "--out", In("")}),
+            kAllFine);
+  EXPECT_NE(m_error.find("no \"connection\", so no picture of labels"),
+            std::string::npos)
+      << m_error;
 }
 
 TEST_F(CommandLineTest, AnOverlayBeyondMemoryIsRefused) {

@@ -45,3 +45,15 @@ with tempfile.TemporaryDirectory() as folder:
     with open("out/a.csv", newline="") as file:
         rows = list(csv.DictReader(file))
     assert len(rows) == sum(len(one["objects"]) for one in done) > 0
+
+    # As a shell starts it in the background of a script: nothing ends it.
+    run = subprocess.Popen(
+        [program, "run", "recipe.json", *images * 50, "--out", "out"],
+        stdout=subprocess.PIPE, stderr=subprocess.PIPE, bufsize=0,
+        preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
+    assert run.stdout.readline().endswith(b"\n")
+    run.send_signal(signal.SIGINT)
+    run.communicate(timeout=60)
+    assert run.returncode == 0, run.returncode
+    with open("out/a.json") as file:
+        assert len(json.load(file)["images"]) == 100

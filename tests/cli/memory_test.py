@@ -48,6 +48,14 @@ with tempfile.TemporaryDirectory() as folder:
     assert done.returncode == 1, done
     assert done.stderr == b"rendal-cli: big.png: out of memory\n", done
     assert done.stdout.endswith(b"parts.png: 10 components\n"), done
+    # A picture that finds no room leaves the numbers.
+    done = run("blob", sample, "--gray", "0", "130", "--csv", "b.csv",
+               "--overlay", "big overlay.png", "--zoom", "20")
+    assert done.returncode == 1, done
+    assert b"cannot write big overlay.png: out of memory" in done.stderr, done
+    with open("b.csv") as file:
+        assert len(file.readlines()) == 11
+    assert not os.path.exists("big overlay.png")
     done = run("info", "big.png")
     assert done.returncode == 1, done
     assert done.stderr == b"rendal-cli: big.png: out of memory\n", done

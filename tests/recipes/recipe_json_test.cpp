@@ -201,6 +201,10 @@ const Refusal kRefusals[] = {
      "outputs.json: must be a plain file name, without a folder"},
     {WithOutputs(R"({"json": "nul.json"})"),
      "outputs.json: must be a plain file name, without a folder"},
+    {WithOutputs(R"({"csv": "com0.csv"})"),
+     "outputs.csv: must be a plain file name, without a folder"},
+    {WithOutputs(R"({"csv": "LPT\u00b9.csv"})"),
+     "outputs.csv: must be a plain file name, without a folder"},
     {WithOutputs(R"({"json": ""})"),
      "outputs.json: must be a plain file name, without a folder"},
     {WithOutputs(R"({"labels": "a.png"})"),
@@ -222,6 +226,14 @@ const Refusal kRefusals[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Refusals, RecipeRefused, testing::ValuesIn(kRefusals));
+
+TEST(RecipeJson, NamesThatOnlyBeginAsADeviceAreNames) {
+  for (const char* name : {"come.csv", "comb.csv", "com10.csv", "lpt.csv"}) {
+    EXPECT_EQ(ErrorOf(WithOutputs("{\"csv\": \"" + std::string(name) + "\"}")),
+              "")
+        << name;
+  }
+}
 
 TEST(RecipeJson, NamesThatLeaveTheFolderOrMeanADeviceAreRefused) {
   for (const char* name :
@@ -272,8 +284,12 @@ TEST(RecipeJson, TextThatIsNoJsonIsRefusedWithItsLine) {
   EXPECT_NE(ErrorOf(""), "");
   EXPECT_NE(ErrorOf(std::string("{\0}", 3)), "");
   EXPECT_NE(ErrorOf(std::string(200000, '[')), "");
-  EXPECT_EQ(ErrorOf(std::string(200000, '[') + std::string(200000, ']')),
+  EXPECT_EQ(ErrorOf(std::string(16, '[') + std::string(16, ']')),
             "must be an object");
+  for (const size_t deep : {size_t{17}, size_t{200000}}) {
+    EXPECT_EQ(ErrorOf(std::string(deep, '[') + std::string(deep, ']')),
+              "no recipe: it is nested too deep");
+  }
   EXPECT_NE(ErrorOf(WithSteps("1e999")), "");
   // Neither half a character nor half a pair of them.
   EXPECT_NE(ErrorOf(WithOutputs("{\"csv\": \"\xC3(\"}")), "");

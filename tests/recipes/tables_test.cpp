@@ -235,6 +235,15 @@ TEST_F(OutputFileTest, LinksAreFollowed) {
   EXPECT_TRUE(fs::is_symlink(m_folder / "link"));
   EXPECT_EQ(ContentOf(m_folder / "real"), "new");
 }
+
+TEST_F(OutputFileTest, LinksToFilesThatAreNotThereYetAreFollowed) {
+  fs::create_symlink("real", m_folder / "link");
+  fs::create_symlink("link", m_folder / "link to it");
+  WriteOutput(m_folder / "link to it", "new");
+  EXPECT_TRUE(fs::is_symlink(m_folder / "link to it"));
+  EXPECT_TRUE(fs::is_symlink(m_folder / "link"));
+  EXPECT_EQ(ContentOf(m_folder / "real"), "new");
+}
 #endif
 
 }  // namespace

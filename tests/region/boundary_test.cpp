@@ -45,6 +45,20 @@ TEST(Boundary, InnerFilledLeavesOutHoles) {
             runs_in({"#####", "#.#.#", "##.##", "#.#.#", "#####"}));
 }
 
+TEST(Boundary, RunsBehindOneThatEndsAtTheLastColumnAreSortedIn) {
+  constexpr int kLast = 2147483647;
+  EXPECT_EQ(boundary_of(region_of({{0, kLast - 9, kLast}, {0, 5, 7}}), "inner"),
+            (Runs{{0, 5, 7}, {0, kLast - 9, kLast}}));
+  EXPECT_EQ(boundary_of(
+                region_of({{0, kLast - 9, kLast}, {0, kLast - 20, kLast - 11}}),
+                "inner"),
+            (Runs{{0, kLast - 20, kLast - 11}, {0, kLast - 9, kLast}}));
+  EXPECT_EQ(
+      boundary_of(region_of({{0, kLast - 9, kLast}, {0, kLast - 5, kLast - 3}}),
+                  "inner"),
+      (Runs{{0, kLast - 9, kLast}}));
+}
+
 TEST(Boundary, InnerFilledOfAPixelOrALineIsItself) {
   EXPECT_EQ(boundary_of(region_of({{5, 7, 7}}), "inner_filled"),
             (Runs{{5, 7, 7}}));

@@ -319,6 +319,48 @@ TEST_P(Connection, ReachesBothEndsOfTheColumns) {
   }
 }
 
+// More pairs touch than both rows have runs.
+TEST_P(Connection, OverlappingRunsOfARowAreJoined) {
+  Runs runs;
+  for (int i = 0; i < 1000; ++i) runs.push_back({0, 4 * i, 4 * i + 1});
+  for (int i = 0; i < 200; ++i) runs.push_back({1, 0, 4000});
+  for (const vector_level level :
+       {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+    vexo::internal::set_vector_limit(level);
+    region input = vexo_test::region_of(runs);
+    input.to_3();
+    region result;
+    EXPECT_EQ(connect(GetParam(), input, &result, 0), 1);
+  }
+}
+
+TEST_P(Connection, RowsOutOfOrderGiveNoComponentWithoutRuns) {
+  vexo_test::Random d(7);
+  Runs runs;
+  for (int i = 0; i < 50000; ++i) {
+    const int row = d.between(0, 1000000);
+    runs.push_back({row, 0, 3});
+  }
+  vexo::internal::set_hand_over_cost(0);
+  for (const int threads : {1, 2, 4, 8}) {
+    vexo::limit_threads(threads);
+    region input = vexo_test::region_of(runs);
+    input.to_3();
+    region result;
+    const int n = connect(GetParam(), input, &result, 0);
+    EXPECT_LE(n, 50000) << threads;
+    size_t all = 0;
+    for (int k = 0; k < n; ++k) {
+      const size_t size = child_runs(GetParam(), result, k).size();
+      EXPECT_GT(size, 0u) << threads;
+      all += size;
+    }
+    EXPECT_EQ(all, runs.size()) << threads;
+  }
+  vexo::limit_threads(0);
+  vexo::internal::set_hand_over_cost(-1);
+}
+
 TEST(ConnectionChords, EmptyInputGivesNone) {
   region input, result;
   EXPECT_EQ(vexo::connection(input, &result, 0), 0);

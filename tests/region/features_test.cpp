@@ -439,4 +439,19 @@ TEST(Features, RectanglesOfWideRegionsAreTheSmallest) {
   EXPECT_GT(checked, 50);
 }
 
+TEST(Features, OfOnePixelSeveralTimesEndWithARectangleOfNoSize) {
+  using vexo::internal::vector_level;
+  for (const vector_level level :
+       {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+    vexo::internal::set_vector_limit(level);
+    for (const int times : {3, 4, 20}) {
+      const region r = with_features(Runs(times, vexo_test::Run{0, 3, 3}));
+      EXPECT_EQ(r.area, times);
+      EXPECT_EQ(r.reals[2], 0);
+      EXPECT_EQ(r.reals[3], 0);
+    }
+  }
+  vexo::internal::set_vector_limit(vector_level::kAvx512);
+}
+
 }  // namespace

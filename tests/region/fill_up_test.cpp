@@ -284,4 +284,20 @@ INSTANTIATE_TEST_SUITE_P(Forms, FillUp,
                          testing::Values(Form::kChords, Form::kRuns,
                                          Form::kRuns2));
 
+// Nothing is promised of them but that memory stays as it is.
+TEST_P(FillUp, RunsThatEndBeforeTheyBeginDoNoHarm) {
+  for (const vector_level level :
+       {vector_level::kPlain, vector_level::kAvx2, vector_level::kAvx512}) {
+    vexo::internal::set_vector_limit(level);
+    Runs runs;
+    for (int row = 0; row < 2; ++row) {
+      for (int i = 0; i < 300; ++i) runs.push_back({row, 1000, 0});
+    }
+    region input = vexo_test::region_of(runs);
+    input.to_3();
+    region result;
+    fill(GetParam(), input, &result);
+  }
+}
+
 }  // namespace

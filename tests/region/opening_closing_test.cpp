@@ -243,5 +243,13 @@ TEST(OpeningClosing, AreIdempotent) {
   }
 }
 
+TEST(TopHat, OfRunsOutOfOrderIsThatOfSortedOnes) {
+  const Runs shuffled = {{2, 0, 9}, {1, 0, 9}, {0, 0, 9}, {0, 20, 20}};
+  const region source = region_of(shuffled);
+  EXPECT_EQ(result_of(vexo::top_hat, source, rectangle(3, 3)),
+            (Runs{{0, 20, 20}}));
+  EXPECT_EQ(result_of(vexo::bottom_hat, source, rectangle(3, 3)), Runs{});
+}
+
 }  // namespace
 }  // namespace vexo_test

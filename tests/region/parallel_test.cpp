@@ -153,12 +153,20 @@ TEST_F(Parallel, SortByLabelKeepsTheOrderWithinALabel) {
 TEST_F(Parallel, CallersCanLimitTheThreads) {
   vexo::limit_threads(1);
   const std::thread::id caller = std::this_thread::get_id();
-  internal::parallel_for(1000, [&](size_t) {
-    EXPECT_EQ(std::this_thread::get_id(), caller);
-  });
+  internal::parallel_for(
+      1000, [&](size_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
   vexo::limit_threads(0);
   EXPECT_EQ(internal::thread_count(),
             std::max(1, static_cast<int>(std::thread::hardware_concurrency())));
+}
+
+TEST_F(Parallel, AnyLimitRunsEveryIterationOnce) {
+  for (const int limit : {1 << 28, 1 << 29, 2147483647}) {
+    vexo::limit_threads(limit);
+    std::vector<int> rows = {3, 2, 1}, begins(3), ends(3);
+    vexo::sort_y(rows.data(), begins.data(), ends.data(), 3);
+    EXPECT_EQ(rows, (std::vector<int>{1, 2, 3})) << limit;
+  }
 }
 
 }  // namespace

@@ -123,5 +123,14 @@ TEST(StructuringElement, CarriesNoImageSize) {
   EXPECT_EQ(element.height, -1);
 }
 
+TEST(StructuringElement, LeavesNothingOfWhatTheRegionWas) {
+  region bars = picture(lines({"###", "...", "###"}));
+  region element;
+  ASSERT_EQ(vexo::connection_y(bars, &element, 0), 2);
+  vexo::gen_se_rectangle(3, 3, &element);
+  EXPECT_EQ(element.child_count, 0);
+  EXPECT_EQ(element.children, nullptr);
+}
+
 }  // namespace
 }  // namespace vexo_test
