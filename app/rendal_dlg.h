@@ -169,9 +169,9 @@ class CRendalDlg : public CDialogEx, public rendal::Workbench {
   void RefreshSoon();
   static void OnViewMouse(int event, int x, int y, int flags, void* dialog);
 
-  rendal::GrayBand ReadGrayBand() const;
-  rendal::OperationParameters ReadOperationParameters() const;
-  rendal::CaliperParameters ReadCaliperParameters() const;
+  rendal::GrayBand ReadGrayBand();
+  rendal::OperationParameters ReadOperationParameters();
+  rendal::CaliperParameters ReadCaliperParameters();
   void ShowStatus(const rendal::Status& status);
 
   bool m_isClosing = false;

@@ -3,12 +3,14 @@
 // Image files: chosen, dropped, opened again; and the keys for all commands.
 #include <afxdlgs.h>
 
+#include "app/console.h"
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
 #include "app/view/image_loader.h"
 #include "app/view/view_globals.h"
 #include "tools/console_text.h"
+#include "tools/long_path.h"
 
 namespace ui_text = rendal::ui_text;
 using rendal::g_view;
@@ -49,9 +51,10 @@ void CRendalDlg::OnLoadImage() {
 }
 
 void CRendalDlg::LoadFile(const std::filesystem::path& path) {
+  rendal::console::EndSelection();
   ShowStatus(rendal::Guarded([&] {
     rendal::Status status = rendal::LoadImageFile(path, *this, g_view);
-    if (HasImage()) {
+    if (HasImage() && status.tone != rendal::Tone::kError) {
       m_recentFiles->Add(path);
       ShowSystemMenu();
     }

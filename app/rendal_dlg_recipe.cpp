@@ -4,23 +4,36 @@
 // and done again.
 #include <afxdlgs.h>
 
+#include <stdexcept>
 #include <utility>
 
 #include "app/rendal_dlg.h"
 #include "app/text.h"
 #include "app/ui_text.h"
-#include "app/view/image_loader.h"
 #include "recipes/output_file.h"
 #include "recipes/recipe_json.h"
 #include "recipes/run_step.h"
+#include "tools/long_path.h"
 
 namespace ui_text = rendal::ui_text;
 
 namespace {
 
-bool DidSomething(const rendal::StepReport& report) {
+// Numbers may have been typed that no recipe holds.
+bool CanBeRead(const rendal::MeasureStep& step) {
+  try {
+    rendal::ReadRecipe(rendal::WriteRecipe({{step}, {}}));
+    return true;
+  } catch (const rendal::RecipeError&) {
+    return false;
+  }
+}
+
+bool DidSomething(const rendal::Step& step, const rendal::StepReport& report) {
+  if (const auto* measure = std::get_if<rendal::MeasureStep>(&step)) {
+    return report.measured && report.measured->done && CanBeRead(*measure);
+  }
   return report.status.tone == rendal::Tone::kSuccess ||
-         (report.measured && report.measured->done) ||
          (report.line && report.line->done);
 }
 
@@ -31,6 +44,17 @@ constexpr std::pair<int32_t, int> kModeRadios[] = {
     {rendal::kToolEllipse, IDC_MODE_ELLIPSE},
     {rendal::kToolNone, IDC_MODE_NONE}};
 
+// The label opens its text when it is clicked: what a file says never stands
+// at its beginning.
+rendal::Recipe ReadRecipeOf(const std::filesystem::path& file) {
+  try {
+    return rendal::ReadRecipeFile(file);
+  } catch (const rendal::RecipeError& error) {
+    throw std::runtime_error(rendal::ToUtf8(file.filename().wstring()) + ": " +
+                             error.what());
+  }
+}
+
 }  // namespace
 
 // The one place where the dialog calls its tools. False when one refused.
@@ -38,7 +62,7 @@ bool CRendalDlg::DoStep(const rendal::Step& step) {
   const rendal::StepReport report = rendal::RunStep(step, *this);
   ShowStatus(report.status);
   if (report.rows) ShowRows(*report.rows);
-  if (DidSomething(report)) Record(step);
+  if (DidSomething(step, report)) Record(step);
   return report.status.tone != rendal::Tone::kError;
 }
 
@@ -103,15 +127,13 @@ void CRendalDlg::OnRunRecipe() {
 
 // Up to the first step that a tool refuses; what it said stays in the label.
 void CRendalDlg::RunRecipe(const std::filesystem::path& path) {
-  const std::filesystem::path file = rendal::WithoutLengthLimit(path);
   std::error_code error;
-  if (!std::filesystem::exists(file, error)) {
+  if (!std::filesystem::exists(rendal::WithoutLengthLimit(path), error)) {
     ShowStatus(rendal::messages::NoSuchFile(
         m_language, rendal::ToUtf8(path.filename().wstring())));
     return;
   }
-  const rendal::Recipe recipe = rendal::ReadRecipeFile(file);
-  for (const rendal::Step& step : recipe.steps) {
+  for (const rendal::Step& step : ReadRecipeOf(path).steps) {
     const bool isDone = DoStep(step);
     ShowParametersOf(step);
     if (!isDone) break;

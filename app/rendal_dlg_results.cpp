@@ -14,6 +14,7 @@
 #include "app/view/view_globals.h"
 #include "recipes/output_file.h"
 #include "recipes/tables.h"
+#include "tools/long_path.h"
 
 namespace ui_text = rendal::ui_text;
 using rendal::g_view;
@@ -91,8 +92,18 @@ std::optional<std::filesystem::path> CRendalDlg::AskWhereToSave(
   dialog.m_ofn.lpstrTitle = title.In(m_language);
   if (dialog.DoModal() != IDOK) return std::nullopt;
   std::filesystem::path path = dialog.GetPathName().GetString();
-  if (!path.has_extension()) path.replace_extension(extension);
-  return path;
+  if (path.has_extension()) return path;
+  path.replace_extension(extension);
+  // The system has asked about the name without it.
+  std::error_code error;
+  if (!std::filesystem::exists(rendal::WithoutLengthLimit(path), error)) {
+    return path;
+  }
+  CString question = path.filename().c_str();
+  question += L"\n";
+  question += ui_text::kReplaceFile.In(m_language);
+  if (AfxMessageBox(question, MB_YESNO | MB_ICONWARNING) == IDYES) return path;
+  return std::nullopt;
 }
 
 void CRendalDlg::OnExport() {

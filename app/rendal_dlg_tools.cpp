@@ -31,6 +31,14 @@ LabelColors ColorsOf(rendal::Tone tone) {
   }
 }
 
+// The number that a spin stands at. Whatever has been typed beside it, what is
+// used is shown.
+int PositionOf(CSpinButtonCtrl& spin) {
+  const int position = spin.GetPos32();
+  spin.SetPos32(position);
+  return position;
+}
+
 }  // namespace
 
 void CRendalDlg::ShowStatus(const rendal::Status& status) {
@@ -43,14 +51,14 @@ void CRendalDlg::ShowStatus(const rendal::Status& status) {
       .SetText(rendal::FromUtf8(status.text));
 }
 
-rendal::GrayBand CRendalDlg::ReadGrayBand() const {
-  return {m_minGray.GetPos32(), m_maxGray.GetPos32()};
+rendal::GrayBand CRendalDlg::ReadGrayBand() {
+  return {PositionOf(m_minGray), PositionOf(m_maxGray)};
 }
 
-rendal::OperationParameters CRendalDlg::ReadOperationParameters() const {
+rendal::OperationParameters CRendalDlg::ReadOperationParameters() {
   const int boundary = std::max(0, m_boundaryType.GetCurSel());
-  return {{m_element.GetCurSel(), m_elementWidth.GetPos32(),
-           m_elementHeight.GetPos32()},
+  return {{m_element.GetCurSel(), PositionOf(m_elementWidth),
+           PositionOf(m_elementHeight)},
           ui_text::kBoundaryTypes[boundary]};
 }
 
@@ -75,7 +83,7 @@ void CRendalDlg::ApplyOperation(rendal::RegionOperation operation) {
 
 void CRendalDlg::OnElementChanged() { UpdateElementControls(); }
 
-rendal::CaliperParameters CRendalDlg::ReadCaliperParameters() const {
+rendal::CaliperParameters CRendalDlg::ReadCaliperParameters() {
   CString selection;
   m_selection.GetLBText(m_selection.GetCurSel(), selection);
   return {m_length.GetPos(),
@@ -83,7 +91,7 @@ rendal::CaliperParameters CRendalDlg::ReadCaliperParameters() const {
           m_amplitude.GetPos(),
           m_sigma.GetPos(),
           m_reps.GetPos(),
-          m_count.GetPos32(),
+          PositionOf(m_count),
           rendal::ScanDirection(m_direction.GetCurSel()),
           CStringA(selection).GetString()};
 }

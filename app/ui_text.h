@@ -65,6 +65,8 @@ inline constexpr Text kSavePictureTitle = {L"保存图像", L"Save picture"};
 inline constexpr Text kExportTitle = {L"导出连通域", L"Export components"};
 inline constexpr Text kSaveRecipeTitle = {L"保存配方", L"Save recipe"};
 inline constexpr Text kRunRecipeTitle = {L"运行配方", L"Run recipe"};
+inline constexpr Text kReplaceFile = {L"文件已存在，要替换吗？",
+                                      L"The file exists. Replace it?"};
 // Patterns of one kind would make the system add that kind to every name.
 inline constexpr wchar_t kPictureFilter[] = L"PNG, JPEG, BMP, TIFF|*.*||";
 inline constexpr wchar_t kTableFilter[] = L"CSV, JSON|*.*||";

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/system.h"
 #include "recipes/output_file.h"
 
 namespace rendal {
@@ -87,6 +88,11 @@ std::vector<fs::path> ImagesOf(const std::string& argument) {
   return files;
 }
 
+// The same for names that are one file on some system.
+fs::path::string_type KeyOf(const std::string& name) {
+  return WithoutCase(PathOf(LowerCase(name)).native());
+}
+
 }  // namespace
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
@@ -130,18 +136,18 @@ std::vector<fs::path> ListImages(const std::vector<std::string>& arguments) {
 }
 
 std::vector<std::string> PictureNames(const std::vector<fs::path>& images) {
-  std::set<std::string> taken;
-  std::map<std::string, int> next_number;
+  std::set<fs::path::string_type> taken;
+  std::map<fs::path::string_type, int> next_number;
   std::vector<std::string> names;
   for (const fs::path& image : images) {
     std::string name = Utf8Of(image.stem());
-    if (taken.count(LowerCase(name)) != 0 && image.has_extension()) {
+    if (taken.count(KeyOf(name)) != 0 && image.has_extension()) {
       name += '_';
       name += Utf8Of(image.extension()).substr(1);
     }
     const std::string base = name;
-    while (!taken.insert(LowerCase(name)).second) {
-      int& number = next_number.try_emplace(LowerCase(base), 2).first->second;
+    while (!taken.insert(KeyOf(name)).second) {
+      int& number = next_number.try_emplace(KeyOf(base), 2).first->second;
       name = base;
       name += '_';
       name += std::to_string(number++);

@@ -16,6 +16,7 @@
 #include "recipes/output_file.h"
 #include "recipes/run_step.h"
 #include "tools/console_text.h"
+#include "tools/long_path.h"
 #include "tools/status.h"
 
 namespace rendal {

@@ -5,6 +5,8 @@
 #include <random>
 #include <system_error>
 
+#include "tools/long_path.h"
+
 namespace rendal {
 namespace {
 
@@ -47,7 +49,7 @@ fs::path PathOf(std::string_view utf8) {
 }
 
 OutputFile::OutputFile(const fs::path& path)
-    : m_path(path), m_target(LinksFollowed(path)) {
+    : m_path(path), m_target(WithoutLengthLimit(LinksFollowed(path))) {
   std::error_code error;
   const fs::file_status status = fs::status(m_target, error);
   if (fs::is_directory(status)) ThrowFor(m_path, "it is a folder");

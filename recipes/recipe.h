@@ -68,7 +68,7 @@ struct Outputs {
   std::string json;          // everything
   std::string coco;          // components as masks
   bool compressed_rle = false;
-  std::string labels;   // a picture for each image, see label_image.h
+  std::string labels;   // a picture for each image: its components' ids
   std::string overlay;  // a picture for each image, as the dialog draws it
   double zoom = 1;      // of the overlay
   bool operator==(const Outputs&) const = default;

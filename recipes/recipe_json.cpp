@@ -11,6 +11,7 @@
 #include "recipes/json_text.h"
 #include "recipes/number_text.h"
 #include "recipes/recipe_fields.h"
+#include "tools/long_path.h"
 
 namespace rendal {
 namespace {
@@ -357,9 +358,10 @@ void CheckSteps(const std::vector<Step>& steps) {
 }
 
 Recipe ReadRecipeFile(const std::filesystem::path& path) {
+  const std::filesystem::path whole = WithoutLengthLimit(path);
   std::error_code error;
-  std::ifstream file(path, std::ios::binary);
-  if (!file || std::filesystem::is_directory(path, error)) {
+  std::ifstream file(whole, std::ios::binary);
+  if (!file || std::filesystem::is_directory(whole, error)) {
     throw RecipeError("", "cannot be read");
   }
   std::string text(kLongestRecipe + 1, '\0');

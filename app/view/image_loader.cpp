@@ -11,12 +11,12 @@
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "app/view/steady_file.h"
 #include "tools/console_text.h"
+#include "tools/long_path.h"
 
 namespace rendal {
 namespace {
@@ -195,19 +195,6 @@ cv::Mat SingleChannel(const cv::Mat& image) {
 }
 
 }  // namespace
-
-fs::path WithoutLengthLimit(const fs::path& path) {
-  if constexpr (std::is_same_v<fs::path::value_type, wchar_t>) {
-    std::error_code error;
-    fs::path absolute = fs::absolute(path, error).make_preferred();
-    const auto& text = absolute.native();
-    // Device paths ("\\?\...") and shares ("\\server\...") stay.
-    if (error || text.size() < 2 || text[1] != ':') return path;
-    return fs::path("\\\\?\\") += absolute;
-  } else {
-    return path;
-  }
-}
 
 cv::Mat ToGrey8(const cv::Mat& image, std::string* note) {
   const cv::Mat grey = SingleChannel(image);

@@ -62,10 +62,6 @@ Status LoadImageFile(const std::filesystem::path& path, Workbench& workbench,
 // above. `note` (may be null) receives how the values were scaled, or nothing.
 cv::Mat ToGrey8(const cv::Mat& image, std::string* note);
 
-// The path in a form that the system's limit of 260 characters (Windows) does
-// not hold for; elsewhere the path itself.
-std::filesystem::path WithoutLengthLimit(const std::filesystem::path& path);
-
 }  // namespace rendal
 
 #endif  // RENDAL_APP_VIEW_IMAGE_LOADER_H_

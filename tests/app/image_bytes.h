@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/view/image_loader.h"
+#include "tools/long_path.h"
 
 namespace rendal::testing_images {
 

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "tests/app/image_bytes.h"
+#include "tools/long_path.h"
 
 namespace rendal {
 namespace {

@@ -14,8 +14,10 @@
 
 #include "recipes/number_text.h"
 #include "recipes/output_file.h"
+#include "recipes/recipe_json.h"
 #include "tools/blob_tool.h"
 #include "tools/console_text.h"
+#include "tools/long_path.h"
 
 namespace rendal {
 namespace {
@@ -220,6 +222,20 @@ TEST_F(OutputFileTest, RefusalsNameTheFile) {
     }
   }
   EXPECT_EQ(Files(), 1u);
+}
+
+TEST_F(OutputFileTest, PathsOf300CharactersAreWritten) {
+  fs::path folder = WithoutLengthLimit(m_folder);
+  for (int i = 0; i < 3; ++i) folder /= std::string(100, 'd');
+  fs::create_directories(folder);
+  const fs::path file = m_folder / std::string(100, 'd') /
+                        std::string(100, 'd') / std::string(100, 'd') / "a";
+  WriteOutput(file, "old");
+  WriteOutput(file, "new");
+  EXPECT_EQ(ContentOf(folder / "a"), "new");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
+  EXPECT_THROW(ReadRecipeFile(file), RecipeError);
+  fs::remove_all(WithoutLengthLimit(m_folder / std::string(100, 'd')));
 }
 
 #if !defined(_WIN32)

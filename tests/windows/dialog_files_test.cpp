@@ -96,6 +96,9 @@ TEST_F(DialogFiles, OpenedImagesAreInTheSystemMenuNewestFirst) {
     ::CloseHandle(::CreateFileW(none.c_str(), GENERIC_WRITE, 0, nullptr,
                                 CREATE_ALWAYS, 0, nullptr));
     Drop({none});  // no image
+    dialog.m_maxImagePixels = 1000;
+    Drop({WriteGrey("large.png", 42)});  // refused, with an image shown
+    dialog.m_maxImagePixels = 1000000;
     Drop({a});
     ASSERT_EQ(::GetMenuItemCount(RecentMenu()), 3);
     EXPECT_EQ(Kept(), (Strings{a.wstring(), b.wstring(),

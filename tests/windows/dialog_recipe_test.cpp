@@ -209,6 +209,38 @@ TEST_F(DialogRecipe, OnlyWhatChangedSomethingIsRecorded) {
             rendal::RegionOperation::kDifference);
 }
 
+// One such press would make the whole file unreadable.
+TEST_F(DialogRecipe, MeasuringByNumbersThatNoRecipeHoldsIsNotRecorded) {
+  const fs::path image = WriteImage("part.png", Part());
+  const fs::path file = image.parent_path() / "a.json";
+  Open(image, [&] {
+    Command(IDM_RECORD_RECIPE);
+    Click(IDC_MODE_CIRCLE);
+    const std::wstring usual = TextOf(IDC_LENGTH);
+    for (const wchar_t* length : {L"-1", L"1e308", L"nan"}) {
+      ::SetWindowTextW(Control(IDC_LENGTH), length);
+      Click(IDC_MEASURE);
+    }
+    ::SetWindowTextW(Control(IDC_LENGTH), usual.c_str());
+    Click(IDC_MEASURE);
+    WithFile(IDM_SAVE_RECIPE, file);
+    EXPECT_EQ(Status(), L"steps saved: 1");
+  });
+  EXPECT_EQ(rendal::ReadRecipe(TextOfFile(file)).steps.size(), 1u);
+}
+
+// The label opens its text when it is clicked.
+TEST_F(DialogRecipe, WhatAFileSaysNeverBeginsTheStatus) {
+  const fs::path image = WriteImage("part.png", Part());
+  const fs::path file = image.parent_path() / "a.json";
+  std::ofstream(file) << R"({"version": 1, "steps": [
+      {"do": "threshold", "min": 1, "max": 2}], "https://example.org/?": 1})";
+  Open(image, [&] {
+    WithFile(IDM_RUN_RECIPE, file);
+    EXPECT_EQ(Status(), L"a.json: https://example.org/?: is not known here");
+  });
+}
+
 TEST_F(DialogRecipe, WhatIsNoRecipeIsToldAndChangesNothing) {
   const fs::path image = WriteImage("part.png", Part());
   const fs::path file = image.parent_path() / "a.json";

@@ -290,6 +290,27 @@ TEST_F(DialogResults, ExportWritesAllComponentsNotOnlyTheRows) {
   });
 }
 
+// The file dialog has asked about "a" only.
+TEST_F(DialogResults, FileWhoseExtensionIsAddedIsReplacedIfTheOperatorSaysSo) {
+  dialog.m_language = rendal::kEnglish;
+  RunWithSquares(3, [&] {
+    const auto folder = dialog.m_startImage.parent_path();
+    const auto file = folder / "a.csv";
+    for (const int answer : {IDNO, IDYES}) {
+      std::ofstream(file) << "mine";
+      std::wstring question;
+      AnswerMessageBox(answer, &question);
+      WithModal(
+          [&] { ::SendMessageW(dialog.m_hWnd, WM_COMMAND, IDM_EXPORT, 0); },
+          [&](HWND box) { AnswerFileDialog(box, folder / "a"); });
+      EXPECT_EQ(question, L"a.csv\nThe file exists. Replace it?");
+      EXPECT_EQ(
+          TextOfFile(file),
+          answer == IDYES ? rendal::ComponentCsv(dialog.m_components) : "mine");
+    }
+  });
+}
+
 TEST_F(DialogResults, ExportBeforeTheFirstLabellingIsToldInRed) {
   dialog.m_language = rendal::kEnglish;
   Run([&] {
@@ -319,6 +340,8 @@ TEST_F(DialogResults, PictureIsSavedAsShown) {
     EXPECT_EQ(PixelAt(14, 3), cv::Vec3b(255, 255, 255)) << "outlined";
     save(folder / "a.bmp");
     EXPECT_EQ(TextOfFile(folder / "a.bmp").substr(0, 2), "BM");
+    save(folder / "plain");
+    EXPECT_EQ(TextOfFile(folder / "plain.png").substr(1, 3), "PNG");
   });
 }
 

@@ -110,4 +110,19 @@ TEST_F(DialogTyping, EveryButtonStandsWhateverStandsInAField) {
   });
 }
 
+TEST_F(DialogTyping, WholeNumberThatIsUsedIsTheOneThatIsShown) {
+  RunWithImage(Wall(), [&] {
+    Select(1058, 1);
+    for (const wchar_t* text : {L"300", L"-1", L"", L"abc"}) {
+      Type(1038, text);
+      Click(1042);
+      EXPECT_EQ(TextOf(1038), std::to_wstring(SpinOf(1039)));
+      Type(1059, text);
+      Click(1053);
+      EXPECT_EQ(TextOf(1059), std::to_wstring(SpinOf(1060)));
+      Type(1038, L"100");
+    }
+  });
+}
+
 }  // namespace

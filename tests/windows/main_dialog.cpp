@@ -145,6 +145,19 @@ void MainDialogTest::WithModal(const std::function<void()>& trigger,
   trigger();
 }
 
+void MainDialogTest::AnswerMessageBox(int button, std::wstring* text) {
+  constexpr int kText = 0xFFFF;
+  const HWND owner = dialog.m_hWnd;
+  PollUntilDone([owner, button, text] {
+    const HWND box = VisibleModalOf(owner);
+    const HWND label = box != nullptr ? ::GetDlgItem(box, kText) : nullptr;
+    if (label == nullptr) return false;
+    *text = TextOf(label);
+    ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    return true;
+  });
+}
+
 void MainDialogTest::AnswerFileDialog(HWND box,
                                       const std::filesystem::path& path) {
   PumpFor(300);

@@ -53,6 +53,9 @@ class MainDialogTest : public testing::Test {
   void WithModal(const std::function<void()>& trigger,
                  const std::function<void(HWND)>& act);
 
+  // Answers the next message box, by a button's id, and keeps its text.
+  void AnswerMessageBox(int button, std::wstring* text);
+
   // Types a path into a file dialog and accepts it.
   static void AnswerFileDialog(HWND box, const std::filesystem::path& path);
 
