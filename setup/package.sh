@@ -7,8 +7,7 @@
 #   setup/package.sh
 #
 # The date in the window's title is that of the commit (or SOURCE_DATE_EPOCH), so
-# that the same commit gives the same programs. The packages hold the times at
-# which their files were written.
+# that the same commit gives the same packages.
 
 . "$(dirname -- "${BASH_SOURCE[0]}")/common.sh"
 . "$setup_root/setup/build.sh"
