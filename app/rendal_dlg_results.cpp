@@ -102,7 +102,8 @@ std::optional<std::filesystem::path> CRendalDlg::AskWhereToSave(
   CString question = path.filename().c_str();
   question += L"\n";
   question += ui_text::kReplaceFile.In(m_language);
-  if (AfxMessageBox(question, MB_YESNO | MB_ICONWARNING) == IDYES) return path;
+  constexpr UINT kKind = MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2;
+  if (AfxMessageBox(question, kKind) == IDYES) return path;
   return std::nullopt;
 }
 
